@@ -1,0 +1,569 @@
+// The profile (INI file) functions: a reader and a writer with the behaviour of
+// the Windows ones. Every read parses the file afresh (catalogs are small and
+// another process may have rewritten them); every write rewrites the whole
+// file through a temporary file and a rename, under a directory lock.
+#include <mapwright/profile.h>
+
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "ansi_case.h"
+
+namespace {
+
+constexpr size_t npos = std::string_view::npos;
+constexpr std::string_view kLineEnd = "\r\n";  // what the Windows writer puts after a line
+
+// ---------------------------------------------------------------- names and text
+
+// The blanks removed around names and values: the C blanks except the line ends.
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
+bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
+
+std::string_view Trim(std::string_view s) {
+    size_t b = 0, e = s.size();
+    while (b < e && IsBlank(s[b])) ++b;
+    while (e > b && IsBlank(s[e - 1])) --e;
+    return s.substr(b, e - b);
+}
+
+std::string_view TrimEnd(std::string_view s) {
+    size_t e = s.size();
+    while (e > 0 && IsBlank(s[e - 1])) --e;
+    return s.substr(0, e);
+}
+
+// One matching pair of double or single quotes around a value is not part of it.
+std::string_view Unquote(std::string_view v) {
+    if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
+        return v.substr(1, v.size() - 2);
+    return v;
+}
+
+// A C string cannot carry a NUL byte: text read from the file stops at one.
+std::string_view UpToNul(std::string_view s) { return s.substr(0, s.find('\0')); }
+
+constexpr const std::array<unsigned char, 256>& kFold = mw::kAnsiFold;
+
+unsigned char Fold(char c) { return kFold[static_cast<unsigned char>(c)]; }
+
+bool SameName(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (Fold(a[i]) != Fold(b[i])) return false;
+    return true;
+}
+
+std::string Folded(std::string_view s) {
+    std::string f(s.size(), '\0');
+    for (size_t i = 0; i < s.size(); ++i) f[i] = static_cast<char>(Fold(s[i]));
+    return f;
+}
+
+// ---------------------------------------------------------------- lines
+
+enum class LineKind { Other, Section, Key };
+
+// What one line of text says. Offsets are relative to the line's first byte.
+struct LineMeaning {
+    LineKind kind = LineKind::Other;
+    std::string_view name;   // section or key name, blanks removed
+    std::string_view value;  // key value, blanks and one pair of quotes removed
+    size_t valueAt = 0;      // key: where the value's text starts (after "=" and blanks)
+};
+
+// There is no comment syntax: a line is a section header ("[" first, a "]"
+// later; the name runs to the last "]"), a key (a non-empty name before the
+// first "="), or neither.
+LineMeaning Classify(std::string_view line) {
+    LineMeaning m;
+    size_t p = 0;
+    while (p < line.size() && IsBlank(line[p])) ++p;
+    if (p < line.size() && line[p] == '[') {
+        size_t close = line.rfind(']');
+        if (close != npos && close > p) {
+            m.kind = LineKind::Section;
+            m.name = Trim(line.substr(p + 1, close - p - 1));
+            return m;
+        }
+    }
+    size_t eq = line.find('=');
+    if (eq == npos) return m;
+    m.name = Trim(line.substr(0, eq));
+    if (m.name.empty()) return m;
+    size_t v = eq + 1;
+    while (v < line.size() && IsBlank(line[v])) ++v;
+    m.kind = LineKind::Key;
+    m.valueAt = v;
+    m.value = Unquote(Trim(line.substr(v)));
+    return m;
+}
+
+struct Line {
+    size_t begin;  // first byte
+    size_t end;    // end of the text, where the line end starts
+    size_t next;   // first byte of the next line (end of the file for the last)
+    LineMeaning meaning;
+    LineKind kind() const { return meaning.kind; }
+};
+
+// CR LF, LF and a lone CR all end a line.
+std::vector<Line> SplitLines(std::string_view text) {
+    std::vector<Line> lines;
+    size_t pos = 0;
+    while (pos < text.size()) {
+        size_t end = pos;  // a plain loop: find_first_of calls memchr once per byte
+        while (end < text.size() && !IsLineEnd(text[end])) ++end;
+        size_t next = end;
+        if (next < text.size()) next += (text[next] == '\r' && next + 1 < text.size() && text[next + 1] == '\n') ? 2 : 1;
+        lines.push_back({pos, end, next, Classify(text.substr(pos, end - pos))});
+        pos = next;
+    }
+    return lines;
+}
+
+// Index of the first section header named `name`, or lines.size().
+size_t FindSection(const std::vector<Line>& lines, std::string_view name) {
+    for (size_t i = 0; i < lines.size(); ++i)
+        if (lines[i].kind() == LineKind::Section && SameName(lines[i].meaning.name, name)) return i;
+    return lines.size();
+}
+
+// Index of the line that ends the section whose header is `header`.
+size_t SectionEnd(const std::vector<Line>& lines, size_t header) {
+    size_t i = header + 1;
+    while (i < lines.size() && lines[i].kind() != LineKind::Section) ++i;
+    return i;
+}
+
+// Index of the first key named `name` in lines [from, to), or `to`.
+size_t FindKey(const std::vector<Line>& lines, size_t from, size_t to, std::string_view name) {
+    for (size_t i = from; i < to; ++i)
+        if (lines[i].kind() == LineKind::Key && SameName(lines[i].meaning.name, name)) return i;
+    return to;
+}
+
+// ---------------------------------------------------------------- answers
+
+DWORD CopyText(std::string_view v, LPSTR buffer, DWORD size) {
+    size_t n = std::min<size_t>(v.size(), size - 1);
+    std::memcpy(buffer, v.data(), n);
+    buffer[n] = '\0';
+    return static_cast<DWORD>(n);
+}
+
+// Names, each NUL-terminated, and a second NUL after the last. When they do
+// not fit, the text is cut at size - 2 and two NULs follow (as Windows does);
+// the count excludes the final NUL.
+DWORD CopyList(const std::vector<std::string_view>& names, LPSTR buffer, DWORD size) {
+    std::string all;
+    for (std::string_view n : names) {
+        all.append(n);
+        all.push_back('\0');
+    }
+    if (size < 2) {
+        buffer[0] = '\0';
+        return 0;
+    }
+    if (all.size() + 1 <= size) {
+        std::memcpy(buffer, all.data(), all.size());
+        buffer[all.size()] = '\0';
+        if (all.empty()) buffer[1] = '\0';
+        return static_cast<DWORD>(all.size());
+    }
+    std::memcpy(buffer, all.data(), size - 2);
+    buffer[size - 2] = '\0';
+    buffer[size - 1] = '\0';
+    return size - 2;
+}
+
+// Each name once, as first spelled: a later duplicate is never answered.
+std::vector<std::string_view> DistinctNames(const std::vector<Line>& lines, size_t from, size_t to,
+                                            LineKind kind) {
+    std::vector<std::string_view> names;
+    std::unordered_set<std::string> seen;
+    for (size_t i = from; i < to; ++i) {
+        if (lines[i].kind() != kind) continue;
+        std::string_view n = UpToNul(lines[i].meaning.name);
+        if (!n.empty() && seen.insert(Folded(n)).second) names.push_back(n);
+    }
+    return names;
+}
+
+// ---------------------------------------------------------------- files
+
+// The file layer takes "\" as a separator too, so Windows-style paths work.
+std::string NormalisePath(const char* file) {
+    std::string p(file);
+    std::replace(p.begin(), p.end(), '\\', '/');
+    return p;
+}
+
+class Fd {
+public:
+    explicit Fd(int fd = -1) : m_fd(fd) {}
+    ~Fd() { reset(); }
+    Fd(const Fd&) = delete;
+    Fd& operator=(const Fd&) = delete;
+    int get() const { return m_fd; }
+    bool ok() const { return m_fd >= 0; }
+    void reset(int fd = -1) {
+        if (m_fd >= 0) ::close(m_fd);
+        m_fd = fd;
+    }
+    int release() {
+        int fd = m_fd;
+        m_fd = -1;
+        return fd;
+    }
+
+private:
+    int m_fd;
+};
+
+bool ReadAll(int fd, std::string& out) {
+    out.clear();
+    char chunk[65536];
+    for (;;) {
+        ssize_t n = ::read(fd, chunk, sizeof chunk);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) return false;
+        if (n == 0) return true;
+        out.append(chunk, static_cast<size_t>(n));
+    }
+}
+
+bool WriteAll(int fd, std::string_view data) {
+    while (!data.empty()) {
+        ssize_t n = ::write(fd, data.data(), data.size());
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        data.remove_prefix(static_cast<size_t>(n));
+    }
+    return true;
+}
+
+// Opens `name` (relative to `dirfd`) for reading when it is a regular file.
+// O_NONBLOCK keeps a FIFO in its place from blocking the open.
+int OpenRegular(int dirfd, const char* name, struct stat& st) {
+    Fd fd(::openat(dirfd, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!fd.ok()) return -1;
+    if (::fstat(fd.get(), &st) != 0) return -1;
+    if (!S_ISREG(st.st_mode)) {
+        fd.reset();
+        errno = EISDIR;
+        return -1;
+    }
+    return fd.release();
+}
+
+// The text of a profile file; false when it is missing, unreadable or not a
+// regular file, which reads as a file with no sections.
+bool LoadForReading(const char* file, std::string& text) {
+    if (!file) return false;
+    std::string path = NormalisePath(file);
+    if (path.empty()) return false;
+    struct stat st;
+    Fd fd(OpenRegular(AT_FDCWD, path.c_str(), st));
+    return fd.ok() && ReadAll(fd.get(), text);
+}
+
+// ---------------------------------------------------------------- the edit
+
+// Applies one write to `text`. False when the names or the value cannot be
+// written as lines that read back as written (a line break, "=" in a key name,
+// a key line that would read as a section header).
+bool Edit(std::string_view text, const char* sectionArg, const char* keyArg, const char* valueArg,
+          std::string& out) {
+    const std::vector<Line> lines = SplitLines(text);
+    const std::string_view section = Trim(sectionArg);
+
+    auto readsBackAs = [](std::string_view line, LineKind kind, std::string_view name) {
+        if (line.find_first_of("\r\n") != npos) return false;
+        LineMeaning m = Classify(line);
+        return m.kind == kind && m.name == name;
+    };
+
+    if (!keyArg) {  // delete every section of that name, header to next header
+        out.clear();
+        size_t copied = 0;
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (lines[i].kind() != LineKind::Section || !SameName(lines[i].meaning.name, section)) continue;
+            out.append(text.substr(copied, lines[i].begin - copied));
+            size_t end = SectionEnd(lines, i);
+            copied = end < lines.size() ? lines[end].begin : text.size();
+            i = end - 1;
+        }
+        out.append(text.substr(copied));
+        return true;
+    }
+
+    const std::string_view key = Trim(keyArg);
+    const size_t header = FindSection(lines, section);
+    const bool haveSection = header < lines.size();
+    const size_t sectionEnd = haveSection ? SectionEnd(lines, header) : lines.size();
+
+    if (!valueArg) {  // delete the key (every line of it) from the section that answers
+        out.clear();
+        size_t copied = 0;
+        for (size_t i = haveSection ? header + 1 : sectionEnd; i < sectionEnd; ++i) {
+            if (lines[i].kind() != LineKind::Key || !SameName(lines[i].meaning.name, key)) continue;
+            out.append(text.substr(copied, lines[i].begin - copied));
+            copied = lines[i].next;
+        }
+        out.append(text.substr(copied));
+        return true;
+    }
+
+    const std::string_view value = valueArg;
+    if (haveSection) {
+        size_t at = FindKey(lines, header + 1, sectionEnd, key);
+        if (at < sectionEnd) {  // replace the value, keep the key's spelling and layout
+            const Line& l = lines[at];
+            std::string line(text.substr(l.begin, l.meaning.valueAt));
+            line.append(value);
+            if (!readsBackAs(line, LineKind::Key, l.meaning.name)) return false;
+            out.assign(text.substr(0, l.begin));
+            out.append(line);
+            out.append(text.substr(l.end));
+            return true;
+        }
+        std::string line(key);
+        line.append("=").append(value);
+        if (!readsBackAs(line, LineKind::Key, key)) return false;
+        size_t after = header;  // the new key follows the section's last key
+        for (size_t i = header + 1; i < sectionEnd; ++i)
+            if (lines[i].kind() == LineKind::Key) after = i;
+        const Line& prev = lines[after];
+        out.assign(text.substr(0, prev.next));
+        if (prev.next == prev.end) out.append(kLineEnd);  // the last line had no line end
+        out.append(line).append(kLineEnd);
+        out.append(text.substr(prev.next));
+        return true;
+    }
+
+    std::string head = "[";
+    head.append(section).append("]");
+    std::string line(key);
+    line.append("=").append(value);
+    if (!readsBackAs(head, LineKind::Section, section) || !readsBackAs(line, LineKind::Key, key)) return false;
+    out.assign(text);
+    if (!out.empty() && !IsLineEnd(out.back())) out.append(kLineEnd);
+    out.append(head).append(kLineEnd).append(line).append(kLineEnd);
+    return true;
+}
+
+// ---------------------------------------------------------------- the atomic write
+
+// Writers lock the directory, not the file: the rename that publishes a write
+// replaces the file's inode, so a lock held on the file would guard an inode
+// that is no longer the file, while the directory's inode never changes and
+// needs nothing created or cleaned up. flock() locks per open file description,
+// so threads of one process exclude each other as processes do.
+class DirectoryLock {
+public:
+    bool acquire(int dirfd) {
+        while (::flock(dirfd, LOCK_EX) != 0) {
+            if (errno == EINTR) continue;
+            return acquireLockFile(dirfd);
+        }
+        return true;
+    }
+    // The lock lasts until the directory descriptor (or the lock file) is closed.
+
+private:
+    // Some network file systems refuse flock() on a directory; a lock file in
+    // it stands in (every writer of that directory meets the same refusal).
+    bool acquireLockFile(int dirfd) {
+        m_lockFile.reset(::openat(dirfd, ".mapwright-profile.lock", O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
+        if (!m_lockFile.ok()) return false;
+        while (::flock(m_lockFile.get(), LOCK_EX) != 0)
+            if (errno != EINTR) return false;
+        return true;
+    }
+    Fd m_lockFile;
+};
+
+constexpr std::string_view kTempMark = ".mwtmp-";
+constexpr size_t kTempSuffixLength = 8;
+constexpr size_t kTempBaseLength = 200;  // keeps the temporary name within NAME_MAX
+
+std::string TempPrefix(const std::string& base) {
+    std::string p = ".";
+    p.append(base, 0, std::min(base.size(), kTempBaseLength));
+    p.append(kTempMark);
+    return p;
+}
+
+bool IsTempSuffix(std::string_view s) {
+    return s.size() == kTempSuffixLength &&
+           std::all_of(s.begin(), s.end(), [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z'); });
+}
+
+// Every writer holds the directory lock while its temporary file exists, so a
+// temporary file seen under the lock was left by a writer that died.
+void RemoveStaleTemporaries(int dirfd, const std::string& base) {
+    const std::string prefix = TempPrefix(base);
+    int fd = ::openat(dirfd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return;
+    DIR* dir = ::fdopendir(fd);
+    if (!dir) {
+        ::close(fd);
+        return;
+    }
+    while (dirent* e = ::readdir(dir)) {
+        std::string_view name = e->d_name;
+        if (name.size() > prefix.size() && name.substr(0, prefix.size()) == prefix &&
+            IsTempSuffix(name.substr(prefix.size())))
+            ::unlinkat(dirfd, e->d_name, 0);
+    }
+    ::closedir(dir);
+}
+
+uint64_t Mix(uint64_t x) {  // splitmix64 finaliser
+    x += 0x9E3779B97F4A7C15ull;
+    x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ull;
+    x = (x ^ (x >> 27)) * 0x94D049BB133111EBull;
+    return x ^ (x >> 31);
+}
+
+// A new file beside the target, created exclusively with mode 0666 less the
+// umask, as a plain open would create the target itself.
+int CreateTemporary(int dirfd, const std::string& base, std::string& name) {
+    static std::atomic<uint64_t> counter{0};
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        timespec ts{};
+        ::clock_gettime(CLOCK_REALTIME, &ts);
+        uint64_t r = Mix((static_cast<uint64_t>(::getpid()) << 40) ^ (counter.fetch_add(1) << 20) ^
+                         static_cast<uint64_t>(ts.tv_nsec) ^ (static_cast<uint64_t>(ts.tv_sec) << 32));
+        name = TempPrefix(base);
+        for (size_t i = 0; i < kTempSuffixLength; ++i, r /= 36) name.push_back("0123456789abcdefghijklmnopqrstuvwxyz"[r % 36]);
+        int fd = ::openat(dirfd, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+        if (fd >= 0 || errno != EEXIST) return fd;
+    }
+    return -1;
+}
+
+// Publishes `content` as `base`: temporary file, fsync, rename, fsync of the
+// directory. On failure the old file is untouched and the temporary removed.
+bool Publish(int dirfd, const std::string& base, std::string_view content, const struct stat* old) {
+    std::string tmp;
+    Fd fd(CreateTemporary(dirfd, base, tmp));
+    if (!fd.ok()) return false;
+    bool ok = true;
+    if (old) {
+        // Keep the owner where we may (root rewriting a user's file) and the mode.
+        if (old->st_uid != ::geteuid() || old->st_gid != ::getegid())
+            (void)!::fchown(fd.get(), old->st_uid, old->st_gid);
+        ok = ::fchmod(fd.get(), old->st_mode & 07777) == 0;
+    }
+    ok = ok && WriteAll(fd.get(), content) && ::fsync(fd.get()) == 0;
+    ok = (::close(fd.release()) == 0) && ok;
+    // Called through the PLT on purpose: tests interpose renameat to crash here.
+    ok = ok && ::renameat(dirfd, tmp.c_str(), dirfd, base.c_str()) == 0;
+    if (!ok) {
+        ::unlinkat(dirfd, tmp.c_str(), 0);
+        return false;
+    }
+    // The rename is durable only once the directory is; some file systems
+    // cannot sync a directory and say so with EINVAL.
+    return ::fsync(dirfd) == 0 || errno == EINVAL;
+}
+
+BOOL WriteProfile(const char* section, const char* key, const char* value, const char* file) {
+    if (!section || !file) return FALSE;
+    std::string path = NormalisePath(file);
+    if (path.empty() || path.back() == '/') return FALSE;
+
+    // Writing through a symbolic link updates its target; the link stays.
+    struct stat lst;
+    if (::lstat(path.c_str(), &lst) == 0 && S_ISLNK(lst.st_mode)) {
+        char* real = ::realpath(path.c_str(), nullptr);
+        if (!real) return FALSE;  // a dangling link: refuse rather than replace it
+        path = real;
+        ::free(real);
+    }
+    const size_t slash = path.rfind('/');
+    const std::string dir = slash == npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    const std::string base = slash == npos ? path : path.substr(slash + 1);
+
+    Fd dirfd(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!dirfd.ok()) return FALSE;
+    DirectoryLock lock;
+    if (!lock.acquire(dirfd.get())) return FALSE;
+    RemoveStaleTemporaries(dirfd.get(), base);
+
+    std::string text;
+    struct stat st;
+    Fd in(OpenRegular(dirfd.get(), base.c_str(), st));
+    const bool exists = in.ok();
+    if (!exists && errno != ENOENT) return FALSE;  // a directory, unreadable, ...
+    if (exists && !ReadAll(in.get(), text)) return FALSE;
+    in.reset();
+
+    std::string updated;
+    if (!Edit(text, section, key, value, updated)) return FALSE;
+    if (updated == text) return TRUE;  // nothing to change (a delete of what is not there)
+    // The rename needs only the directory's permission; a file without write
+    // permission must still refuse the write, as it does on Windows.
+    if (exists && ::faccessat(dirfd.get(), base.c_str(), W_OK, AT_EACCESS) != 0) return FALSE;
+    return Publish(dirfd.get(), base, updated, exists ? &st : nullptr) ? TRUE : FALSE;
+}
+
+}  // namespace
+
+extern "C" {
+
+DWORD GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultText, LPSTR buffer, DWORD size,
+                               LPCSTR file) {
+    if (!buffer || size == 0) return 0;
+    try {
+        std::string text;
+        const bool loaded = LoadForReading(file, text);
+        const std::vector<Line> lines = loaded ? SplitLines(text) : std::vector<Line>{};
+        if (!section) return CopyList(DistinctNames(lines, 0, lines.size(), LineKind::Section), buffer, size);
+        const size_t header = FindSection(lines, Trim(section));
+        const bool haveSection = header < lines.size();
+        const size_t end = haveSection ? SectionEnd(lines, header) : lines.size();
+        if (!key) return CopyList(DistinctNames(lines, haveSection ? header + 1 : end, end, LineKind::Key), buffer, size);
+        if (haveSection) {
+            size_t at = FindKey(lines, header + 1, end, Trim(key));
+            if (at < end) return CopyText(UpToNul(lines[at].meaning.value), buffer, size);
+        }
+        return CopyText(TrimEnd(defaultText ? defaultText : ""), buffer, size);
+    } catch (...) {  // out of memory on a huge file: answer as for a missing one
+        if (!key || !section) {
+            buffer[0] = '\0';
+            if (size > 1) buffer[1] = '\0';
+            return 0;
+        }
+        return CopyText(TrimEnd(defaultText ? defaultText : ""), buffer, size);
+    }
+}
+
+BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR file) {
+    try {
+        return WriteProfile(section, key, value, file);
+    } catch (...) {  // out of memory: nothing was published
+        return FALSE;
+    }
+}
+
+}  // extern "C"

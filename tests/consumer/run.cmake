@@ -1,0 +1,38 @@
+# Installs the build tree into a staging prefix, builds the consumer against it
+# with CMake's package and with pkg-config, and runs both.
+# -D BUILD_DIR=... -D SOURCE_DIR=... -D WORK_DIR=... -D EXTRA_FLAGS=...
+file(REMOVE_RECURSE "${WORK_DIR}")
+set(prefix "${WORK_DIR}/stage")
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "failed (${rc}): ${ARGN}\n${out}\n${err}")
+  endif()
+  set(LAST_OUTPUT "${out}" PARENT_SCOPE)
+endfunction()
+
+run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${prefix}")
+run(${CMAKE_COMMAND} -S "${SOURCE_DIR}" -B "${WORK_DIR}/build"
+    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${EXTRA_FLAGS}"
+    "-DCMAKE_EXE_LINKER_FLAGS=${EXTRA_FLAGS}")
+run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
+
+# The application directory is left to its default, so the shipped catalogs
+# are found beside the installed library and seeded into a fresh data home.
+set(ENV{XDG_DATA_HOME} "${WORK_DIR}/data-home")
+unset(ENV{MAPWRIGHT_APPDIR})
+run("${WORK_DIR}/build/consumer")
+message("${LAST_OUTPUT}")
+if(NOT LAST_OUTPUT MATCHES "datum 3: WGS 84" OR NOT LAST_OUTPUT MATCHES "Krassovsky 1940")
+  message(FATAL_ERROR "unexpected output")
+endif()
+
+file(GLOB pcdirs "${prefix}/lib*/pkgconfig" "${prefix}/lib*/*/pkgconfig")
+set(ENV{PKG_CONFIG_PATH} "${pcdirs}")
+run(pkg-config --cflags --libs mapwright)
+string(STRIP "${LAST_OUTPUT}" pkgflags)
+separate_arguments(pkgflags UNIX_COMMAND "${pkgflags}")
+separate_arguments(extra UNIX_COMMAND "${EXTRA_FLAGS}")
+run(c++ -std=c++17 -Wall -Wextra -Werror ${extra} "${SOURCE_DIR}/main.cpp" -o "${WORK_DIR}/consumer-pc" ${pkgflags})
+run("${WORK_DIR}/consumer-pc")

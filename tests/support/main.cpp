@@ -1,0 +1,20 @@
+// The main of every test executable: tests run in a private environment, so
+// they never read or write the real user's data directory or registry, and
+// the user-interface language is English unless a test chooses otherwise.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "testenv.h"
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    mwtest::TempDir home;
+    setenv("HOME", home.path().c_str(), 1);
+    setenv("XDG_DATA_HOME", home.file("data").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", home.file("config").c_str(), 1);
+    for (const char* v : {"MAPWRIGHT_APPDIR", "MAPWRIGHT_REGISTRY", "MAPWRIGHT_UI_LANG", "LC_ALL", "LC_MESSAGES", "LANG"})
+        unsetenv(v);
+    return RUN_ALL_TESTS();
+}
