@@ -22,9 +22,8 @@ constexpr Text kTexts[] = {
 };
 constexpr size_t kCount = sizeof kTexts / sizeof kTexts[0];
 
-// Built at load from the texts above. Made with new and never freed: the
-// tables must outlive every look-up, including ones from other libraries'
-// destructors at exit; the module is unregistered when Basalt unloads.
+// Built at load from the texts above and freed when Basalt unloads, after
+// the libraries that use it have run their own unload code.
 struct Registration {
     std::string russian[kCount];
     MwStringEntry english[kCount];
@@ -33,7 +32,7 @@ struct Registration {
     MwModuleResources resources;
 };
 
-Registration* g_registration = nullptr;  // kept here so it stays reachable
+Registration* g_registration = nullptr;
 HMODULE g_module = nullptr;
 
 __attribute__((constructor)) void RegisterBasalt() {
@@ -52,6 +51,8 @@ __attribute__((constructor)) void RegisterBasalt() {
 __attribute__((destructor)) void UnregisterBasalt() {
     MwUnregisterModule(g_module);
     g_module = nullptr;
+    delete g_registration;
+    g_registration = nullptr;
 }
 
 }  // namespace

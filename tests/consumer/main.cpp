@@ -1,5 +1,6 @@
-// Fills a reference system from the shipped catalogs through the installed
-// library and prints its datum and ellipsoid.
+// A host built against the installed library: fills a reference system from
+// the shipped catalogs, prints its datum and ellipsoid, and converts a point
+// from Geographic WGS 84 to UTM.
 #include <mapwright/mapwright.h>
 
 #include <cstdio>
@@ -28,5 +29,16 @@ int main() {
     }
     std::printf("Pulkovo 1942: %s, a = %.3f km, shift %d %d %d m\n", tag.szEllipsName, tag.dSemiMajorKm,
                 tag.nDatumValues[0], tag.nDatumValues[1], tag.nDatumValues[2]);
+
+    // Geographic WGS 84 to UTM on the same datum; the zone comes from the longitude.
+    CGeoTransform transform;
+    if (transform.SetGeoParam(Geographic, UTM, 3, 3) != 1) return 1;
+    GeoCoordTag point{55.7558, 37.6173, 150.0, 0};
+    transform.SetGeoCoord(&point);
+    if (transform.GeoConvert() != 1) return 1;
+    const GeoCoordTag* utm = static_cast<const GeoCoordTag*>(transform.GetGeoCoordDest()->GetCoord());
+    std::printf("55.7558 N 37.6173 E -> UTM zone %d: E %.3f N %.3f h %.2f\n", utm->zone, utm->east, utm->north,
+                utm->height);
+    transform.FreeGeoParam();
     return datum == "WGS 84" ? 0 : 1;
 }

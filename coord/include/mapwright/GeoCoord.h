@@ -39,6 +39,12 @@ public:
     // and height (UTM) or height. `decimal` chooses decimal degrees or
     // degrees-minutes-seconds for the Geographic kind.
     void SetCoord(const char* text, int field, bool decimal);
+    // The text of one field as an entry control shows it (left unchanged
+    // while the kind is 0).
+    void GetCoord(CString& text, int field, bool decimal);
+    // The whole coordinate as one labelled line; bit 0 of `flags` puts the
+    // height first. `ellipsoidName` may be null.
+    void Coord_to_Str(CString* out, unsigned long flags, const char* ellipsoidName);
 
 private:
     int32_t m_nProjection;

@@ -7,6 +7,9 @@
 #include <mapwright/afxstr.h>
 #include <mapwright/wintypes.h>
 
+class CMaskEdit;
+class CListFrame;
+
 class MW_API CGeoReferenceData {
 public:
     // Catalog paths from the application directory; kind, datum and ellipsoid
@@ -47,11 +50,22 @@ public:
     void LoadData(CString key);
     int SaveData(CString key);
 
-    // Names.
+    // Names: the kind's display name (localised) and English name, a
+    // summary of the parameters, and the datum and ellipsoid names.
+    void GetProjectionName(CString& name);
+    void GetEnProjectionName(CString& name);
+    void GetParamName(CString& text);
     void GetDatumName(CString& name);
     void GetEllipsName(CString& name);
     void SetDatumName(CString name);
     void SetEllipsName(CString name);
+
+    // Coordinate fields of this kind: how many come before the height, the
+    // label of each, and its entry mask on an edit control or a list cell.
+    int GetNumCoordField();
+    void GetCoordFieldName(CString& text, int field);
+    void SetCoordFieldMask(CMaskEdit* control, int field, bool decimal);
+    void SetCoordFieldMaskNum(int item, CListFrame* list, int field);
 
     CString m_strEllipsFile;
     CString m_strDatumFile;

@@ -31,12 +31,22 @@ public:
     void SetReferenceDataSource(CGeoReferenceData* other);
     void SetReferenceDataDest(CGeoReferenceData* other);
     int SetDefault();
+    // From the host's records: a projection by its English name (kinds 1 to
+    // 6) with its parameters, and a datum with its ellipsoid (semi-major axis
+    // in kilometres in the tag), registered in the catalogs when missing.
+    void SetProjectionSourceFromTag(ProjectionParamTag* tag);
+    void SetProjectionDestFromTag(ProjectionParamTag* tag);
+    void SetDatumSourceFromTag(DatumParamTag* tag);
+    void SetDatumDestFromTag(DatumParamTag* tag);
 
     CGeoReferenceData* GetReferenceDataSource() { return &m_refDataSource; }
     CGeoReferenceData* GetReferenceDataDest() { return &m_refDataDest; }
     CGeoCoord* GetGeoCoordSource() { return &m_geoCoordSource; }
     CGeoCoord* GetGeoCoordDest() { return &m_geoCoordDest; }
     void SetGeoCoord(void* record);
+    // The destination coordinate's line (CGeoCoord::Coord_to_Str with the
+    // destination ellipsoid's name), copied as strncpy does with `length`.
+    void GetCoordStr(char* buffer, int length, unsigned long flags);
 
     int InitGeoParam();
     // 0 when either system has no kind in 1..7. A point the destination

@@ -1,7 +1,8 @@
 // Mapwright: map projections and datum conversion.
-// Everything a host uses: the string class, the reference-system class and
-// its records, the Basalt functions, and the platform calls a host or a test
-// may need (profile and registry functions, message boxes, language).
+// Everything a host uses: the string class, the reference-system,
+// coordinate and conversion classes and their records, the Basalt
+// functions, and the platform calls a host or a test may need (profile and
+// registry functions, message boxes, language).
 #ifndef MAPWRIGHT_MAPWRIGHT_H
 #define MAPWRIGHT_MAPWRIGHT_H
 
@@ -17,5 +18,7 @@
 
 #include <mapwright/GeoRecords.h>
 #include <mapwright/GeoReferenceData.h>
+#include <mapwright/GeoCoord.h>
+#include <mapwright/GeoTransform.h>
 
 #endif
