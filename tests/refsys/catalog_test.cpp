@@ -174,8 +174,8 @@ TEST_F(Catalogs, GetDatumParamReportsTheDatumInKilometres) {
     std::strcpy(tag.szDatumName, "Pulkovo 1942");
     EXPECT_EQ(1, r.GetDatumParam(&tag));
     EXPECT_STREQ("Krassovsky 1940", tag.szEllipsName);
-    EXPECT_EQ(6378.245, tag.dSemiMajorKm);
-    EXPECT_EQ(298.3, tag.dInvFlattening);
+    EXPECT_EQ(6378.245, double{tag.dSemiMajorKm});  // a copy: the field is packed
+    EXPECT_EQ(298.3, double{tag.dInvFlattening});  // a copy: the field is packed
     const int16_t expected[6] = {28, -130, -95, 1, 2, 3};
     EXPECT_EQ(0, std::memcmp(expected, tag.nDatumValues, sizeof expected));
     EXPECT_EQ(-1, r.GetProjection());  // the record is not changed
@@ -199,7 +199,7 @@ TEST_F(Catalogs, GetDatumParamKeepsTheCallersEllipsoidWhenItIsMissing) {
     tag.dSemiMajorKm = 1.5;
     EXPECT_EQ(1, r.GetDatumParam(&tag));
     EXPECT_STREQ("mine", tag.szEllipsName);
-    EXPECT_EQ(1.5, tag.dSemiMajorKm);
+    EXPECT_EQ(1.5, double{tag.dSemiMajorKm});  // a copy: the field is packed
     EXPECT_EQ(3, tag.nDatumValues[2]);
 }
 

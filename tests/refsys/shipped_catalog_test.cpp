@@ -69,8 +69,8 @@ TEST_F(ShippedCatalogs, EveryDatumAndEllipsoidIsReached) {
         std::strncpy(tag.szDatumName, name.c_str(), 49);
         ASSERT_EQ(1, r.GetDatumParam(&tag));
         EXPECT_STREQ(r.szEllipsName, tag.szEllipsName);
-        EXPECT_DOUBLE_EQ(r.m_dGeoInfo[0] / 1000.0, tag.dSemiMajorKm);
-        EXPECT_EQ(r.m_dGeoInfo[1], tag.dInvFlattening);
+        EXPECT_DOUBLE_EQ(r.m_dGeoInfo[0] / 1000.0, double{tag.dSemiMajorKm});  // a copy: the field is packed
+        EXPECT_EQ(r.m_dGeoInfo[1], double{tag.dInvFlattening});  // a copy: the field is packed
         EXPECT_EQ(0, std::memcmp(r.m_nDatumValues, tag.nDatumValues, sizeof r.m_nDatumValues));
         ellipsoidsReached.insert(r.GetEllipsoid());
     }
@@ -109,8 +109,8 @@ TEST_F(ShippedCatalogs, NamedDatumsTheToolsRelyOn) {
         std::strcpy(tag.szDatumName, c.datum);
         ASSERT_EQ(1, r.GetDatumParam(&tag)) << c.datum;
         EXPECT_STREQ(c.ellipsoid, tag.szEllipsName);
-        EXPECT_EQ(c.a / 1000.0, tag.dSemiMajorKm);
-        EXPECT_EQ(c.rf, tag.dInvFlattening);
+        EXPECT_EQ(c.a / 1000.0, double{tag.dSemiMajorKm});  // a copy: the field is packed
+        EXPECT_EQ(c.rf, double{tag.dInvFlattening});  // a copy: the field is packed
     }
 }
 
