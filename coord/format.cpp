@@ -1,1 +1,163 @@
-// placeholder: being written
+// Coordinates as text: one field as an entry control shows it, the whole
+// coordinate as one labelled line, and that line for a conversion's result.
+#include <cmath>
+#include <cstring>
+
+#include <mapwright/GeoCoord.h>
+#include <mapwright/GeoTransform.h>
+#include <mapwright/basalt.h>
+
+namespace {
+
+// String-table ids.
+constexpr int kDisplayName = 831;  // + kind: the kind's name
+constexpr int kLatitude = 851;
+constexpr int kLongitude = 852;
+constexpr int kHeight = 853;
+constexpr int kNorthSouth = 854;
+constexpr int kEastWest = 855;
+constexpr int kUtmZone = 862;
+constexpr int kMetres = 867;
+constexpr int kX = 882;
+constexpr int kY = 883;
+constexpr int kZ = 884;
+
+constexpr unsigned long kHeightFirst = 1;  // the only bit of `flags` with a meaning
+
+bool IsKind(int kind) { return kind >= 1 && kind <= 7; }
+
+CString Lon(double degrees) {
+    char text[64] = "";
+    LongitudeDoubleToChar(text, sizeof text, degrees);
+    return CString(text, sizeof text);
+}
+
+CString Lat(double degrees) {
+    char text[64] = "";
+    LatitudeDoubleToChar(text, sizeof text, degrees);
+    return CString(text, sizeof text);
+}
+
+// Decimal degrees with the hemisphere letter. A NaN takes the negative letter:
+// the test is "not at least 0", and -0.0 is not below 0.
+void FormatDecimal(CString& text, double degrees, char positive, char negative) {
+    const bool below = !(degrees >= 0.0);
+    text.Format("%011.7f %c", std::fabs(degrees), below ? negative : positive);
+}
+
+void AppendMetres(CString& text, double value) {
+    text.AppendFormat("%.2lf", value);
+    text += GetResourceString(kMetres);
+}
+
+}  // namespace
+
+void CGeoCoord::GetCoord(CString& text, int field, bool decimal) {
+    if (!IsKind(m_nProjection)) return;  // no kind yet: the text is left as it was
+    const GeoCoordTag& c = m_coord;
+    if (m_nProjection == 1) {
+        switch (field) {
+            case 0:
+                if (decimal)
+                    FormatDecimal(text, c.east, 'E', 'W');
+                else
+                    text = Lon(c.east);
+                return;
+            case 1:
+                if (decimal)
+                    FormatDecimal(text, c.north, 'N', 'S');
+                else
+                    text = Lat(c.north);
+                return;
+            case 2:
+                text.Format("%.2lf", c.height);
+                return;
+            default:
+                text.Empty();
+                return;
+        }
+    }
+    // The projected and Cartesian kinds: east, north, then zone (UTM only) and height.
+    const bool utm = m_nProjection == 2;
+    if (field == 0)
+        text.Format("%.2lf", c.east);
+    else if (field == 1)
+        text.Format("%.2lf", c.north);
+    else if (field == 2 && utm)
+        text.Format("%ld", static_cast<long>(c.zone));
+    else if (field == (utm ? 3 : 2))
+        text.Format("%.2lf", c.height);
+    else
+        text.Empty();
+}
+
+void CGeoCoord::Coord_to_Str(CString* out, unsigned long flags, const char* ellipsoidName) {
+    if (!out) return;
+    CString& text = *out;
+    CString name;
+    text.Empty();
+    const GeoCoordTag& c = m_coord;
+
+    if (flags & kHeightFirst) {
+        // A coordinate without a kind still shows its height.
+        text += GetResourceString(m_nProjection == 7 ? kZ : kHeight);
+        AppendMetres(text, c.height);
+    }
+
+    switch (m_nProjection) {
+        case 1:
+            // Always degrees, minutes and seconds here, whatever the entry format.
+            text += GetResourceString(kLatitude);
+            text += Lat(c.north);
+            text += " ";
+            text += GetResourceString(kLongitude);
+            text += Lon(c.east);
+            name.LoadString(kDisplayName + 1);
+            break;
+        case 2:
+            text.AppendFormat("%.2lf, ", c.north);
+            text.AppendFormat("%.2lf", c.east);
+            name.LoadString(kDisplayName + 2);
+            name += ", ";
+            name += GetResourceString(kUtmZone);
+            // The label ends in a blank and one more is added: two before the number.
+            name.AppendFormat(" %ld", static_cast<long>(c.zone));
+            break;
+        case 3:
+        case 4:
+        case 5:
+        case 6:
+            text += GetResourceString(kNorthSouth);
+            AppendMetres(text, c.north);
+            text += GetResourceString(kEastWest);
+            AppendMetres(text, c.east);
+            name.LoadString(static_cast<UINT>(kDisplayName + m_nProjection));
+            break;
+        case 7:
+            text += GetResourceString(kY);
+            AppendMetres(text, c.north);
+            text += GetResourceString(kX);
+            AppendMetres(text, c.east);
+            name.LoadString(kDisplayName + 7);
+            break;
+        default:  // no kind: the frame alone
+            break;
+    }
+
+    text += " (";
+    text += name;
+    if (ellipsoidName) {
+        text += " / ";
+        text += ellipsoidName;
+    }
+    text += ")";
+}
+
+void CGeoTransform::GetCoordStr(char* buffer, int length, unsigned long flags) {
+    CString ellipsoid, line;
+    m_refDataDest.GetEllipsName(ellipsoid);
+    // The name is always passed, so the line ends in " / name)" even when it is empty.
+    m_geoCoordDest.Coord_to_Str(&line, flags, ellipsoid.GetString());
+    if (!buffer || length <= 0) return;
+    std::strncpy(buffer, line.GetString(), static_cast<size_t>(length));
+}

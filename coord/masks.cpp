@@ -1,1 +1,81 @@
-// placeholder: being written
+// Coordinate fields of a reference system: how many come before the height,
+// their labels, and the entry mask of each. Chosen by the projection kind
+// alone; field 0 is the east axis, 1 the north axis, then the UTM zone and
+// the height.
+#include <mapwright/GeoReferenceData.h>
+#include <mapwright/basalt_controls.h>
+
+namespace {
+
+struct EntryMask {
+    const char* mask;
+    const char* literal;
+    const char* valid;
+};
+
+// "000° 00' 00.00'' N": the degree sign is the Windows-1251 byte 0xB0.
+constexpr EntryMask kDmsLongitude{"900__90__90_00___$", "___\xB0 __' __.__'' _", "WEwe"};
+constexpr EntryMask kDmsLatitude{"900__90__90_00___$", "___\xB0 __' __.__'' _", "NSns"};
+// "039.0000000 N", as the decimal-degrees text is written.
+constexpr EntryMask kDecimalLongitude{"900_9000000_$", "___._________", "WEwe"};
+constexpr EntryMask kDecimalLatitude{"900_9000000_$", "___._________", "NSns"};
+constexpr EntryMask kNumber{"%%%%%%%%%%%%%%", "______________", ""};
+
+// The label string of each field, by kind; 0 ends a kind's fields.
+constexpr unsigned kLabels[8][4] = {
+    {0, 0, 0, 0},
+    {852, 851, 853, 0},    // Geographic: longitude, latitude, height
+    {855, 854, 862, 853},  // UTM: east, north, zone, height
+    {855, 854, 853, 0},    // Gauss-Kruger
+    {855, 854, 853, 0},    // Transverse Mercator
+    {855, 854, 853, 0},    // Mercator
+    {855, 854, 853, 0},    // Polar Stereographic
+    {882, 883, 884, 0},    // Cartesian: X, Y, Z
+};
+
+// The last field index of a kind; -1 for a kind that is not one.
+int LastField(int kind) {
+    if (kind == UTM) return 3;
+    if (kind >= Geographic && kind <= Cartesian) return 2;
+    return -1;
+}
+
+// The mask of a field, or false when the kind has no such field. The index is
+// compared as unsigned, so a negative one is never a field.
+bool FieldMask(int kind, int field, bool decimal, EntryMask* out) {
+    const int last = LastField(kind);
+    if (last < 0 || static_cast<unsigned>(field) > static_cast<unsigned>(last)) return false;
+    if (kind == Geographic && field == 0) *out = decimal ? kDecimalLongitude : kDmsLongitude;
+    else if (kind == Geographic && field == 1) *out = decimal ? kDecimalLatitude : kDmsLatitude;
+    else *out = kNumber;
+    return true;
+}
+
+}  // namespace
+
+// The height is every kind's last field, so its index counts the fields
+// before it.
+int CGeoReferenceData::GetNumCoordField() {
+    const int last = LastField(m_nProjection);
+    return last < 0 ? 0 : last;
+}
+
+void CGeoReferenceData::GetCoordFieldName(CString& text, int field) {
+    text.Empty();
+    const int last = LastField(m_nProjection);
+    if (last < 0 || static_cast<unsigned>(field) > static_cast<unsigned>(last)) return;
+    text.LoadString(kLabels[m_nProjection][field]);
+}
+
+void CGeoReferenceData::SetCoordFieldMask(CMaskEdit* control, int field, bool decimal) {
+    EntryMask m{};
+    if (!control || !FieldMask(m_nProjection, field, decimal, &m)) return;
+    control->SetMask(m.mask, m.literal, m.valid);
+}
+
+void CGeoReferenceData::SetCoordFieldMaskNum(int item, CListFrame* list, int field) {
+    // A list cell always takes the degrees-minutes-seconds form of an angle.
+    EntryMask m{};
+    if (!list || !FieldMask(m_nProjection, field, false, &m)) return;
+    list->SetMask(item, 1, m.mask, m.literal, m.valid);
+}

@@ -25,7 +25,8 @@ std::vector<std::unique_ptr<Module>>& Modules() {
     return *modules;
 }
 
-bool SameFileName(const char* a, const char* b) {
+// ASCII letters matched without regard to case, as Windows matches file names.
+bool SameIgnoringCase(const char* a, const char* b) {
     for (;; ++a, ++b) {
         char ca = (*a >= 'A' && *a <= 'Z') ? static_cast<char>(*a - 'A' + 'a') : *a;
         char cb = (*b >= 'A' && *b <= 'Z') ? static_cast<char>(*b - 'A' + 'a') : *b;
@@ -48,6 +49,34 @@ const MwStringEntry* FindEntry(const MwStringTable* table, UINT id) {
     return (it != end && it->id == id) ? it : nullptr;
 }
 
+// The registered resources behind `module`; the caller holds g_modulesLock.
+const MwModuleResources* ResourcesOf(HMODULE module) {
+    if (!module) return nullptr;
+    for (const auto& m : Modules())
+        if (reinterpret_cast<HMODULE>(m.get()) == module) return m->resources;
+    return nullptr;
+}
+
+// Of the records that `matches` accepts, the one in the user-interface
+// language, else the English one, else the first.
+template <class Record, class Match>
+const Record* ChooseLanguage(const Record* records, size_t count, Match matches) {
+    if (!records) return nullptr;
+    const LANGID wanted = GetThreadUILanguage();
+    const Record* english = nullptr;
+    const Record* first = nullptr;
+    for (size_t i = 0; i < count; ++i) {
+        const Record& r = records[i];
+        if (!matches(r)) continue;
+        if (r.language == wanted) return &r;
+        if (!english && r.language == LANG_ENGLISH_US) english = &r;
+        if (!first) first = &r;
+    }
+    return english ? english : first;
+}
+
+constexpr UINT kVersionInfoId = 1;  // VS_VERSION_INFO
+
 // The first non-empty of the variables, in POSIX order.
 LANGID LanguageFromEnvironment() {
     if (const char* ui = std::getenv("MAPWRIGHT_UI_LANG"); ui && *ui) {
@@ -68,15 +97,13 @@ namespace mw {
 
 bool FindModuleString(HMODULE module, UINT id, std::string& text) {
     std::lock_guard<std::mutex> lock(g_modulesLock);
-    for (const auto& m : Modules()) {
-        if (reinterpret_cast<HMODULE>(m.get()) != module) continue;
-        const MwStringEntry* e = FindEntry(FindTable(m->resources, GetThreadUILanguage()), id);
-        if (!e) e = FindEntry(FindTable(m->resources, LANG_ENGLISH_US), id);
-        if (!e) return false;
-        text = e->text;
-        return true;
-    }
-    return false;
+    const MwModuleResources* res = ResourcesOf(module);
+    if (!res) return false;
+    const MwStringEntry* e = FindEntry(FindTable(res, GetThreadUILanguage()), id);
+    if (!e) e = FindEntry(FindTable(res, LANG_ENGLISH_US), id);
+    if (!e) return false;
+    text = e->text;
+    return true;
 }
 
 }  // namespace mw
@@ -106,7 +133,7 @@ HMODULE GetModuleHandleA(LPCSTR fileName) {
     // The newest registration of a name answers, as a reloaded module would.
     auto& modules = Modules();
     for (auto it = modules.rbegin(); it != modules.rend(); ++it)
-        if (SameFileName((*it)->resources->fileName, fileName)) return reinterpret_cast<HMODULE>(it->get());
+        if (SameIgnoringCase((*it)->resources->fileName, fileName)) return reinterpret_cast<HMODULE>(it->get());
     return nullptr;
 }
 
@@ -121,6 +148,43 @@ int LoadStringA(HINSTANCE module, UINT id, LPSTR buffer, int size) {
     std::memcpy(buffer, text.data(), n);
     buffer[n] = '\0';
     return static_cast<int>(n);
+}
+
+const MwDialogTemplate* MwFindDialogTemplate(HMODULE module, UINT id) {
+    std::lock_guard<std::mutex> lock(g_modulesLock);
+    const MwModuleResources* res = ResourcesOf(module);
+    if (!res) return nullptr;
+    return ChooseLanguage(res->dialogs, res->dialogCount, [id](const MwDialogTemplate& d) { return d.id == id; });
+}
+
+const MwVersionInfo* MwFindVersionInfo(HMODULE module) {
+    std::lock_guard<std::mutex> lock(g_modulesLock);
+    const MwModuleResources* res = ResourcesOf(module);
+    if (!res) return nullptr;
+    return ChooseLanguage(res->versions, res->versionCount,
+                          [](const MwVersionInfo& v) { return v.id == kVersionInfoId; });
+}
+
+const char* MwFindVersionValue(HMODULE module, LPCSTR key) {
+    const MwVersionInfo* info = MwFindVersionInfo(module);
+    if (!info || !key || info->stringTableCount == 0) return nullptr;
+    const MwVersionStringTable& table = info->stringTables[0];
+    for (size_t i = 0; i < table.count; ++i)
+        if (SameIgnoringCase(table.values[i].key, key)) return table.values[i].value;
+    return nullptr;
+}
+
+const void* MwFindResourceData(HMODULE module, UINT type, UINT id, size_t* size) {
+    if (size) *size = 0;
+    std::lock_guard<std::mutex> lock(g_modulesLock);
+    const MwModuleResources* res = ResourcesOf(module);
+    if (!res) return nullptr;
+    const MwDataResource* r = ChooseLanguage(res->data, res->dataCount,
+                                             [type, id](const MwDataResource& d) { return d.type == type && d.id == id; });
+    if (!r) return nullptr;
+    if (size) *size = r->size;
+    // An empty resource still exists: answer with a pointer that is not null.
+    return r->data ? static_cast<const void*>(r->data) : static_cast<const void*>(r);
 }
 
 LANGID SetThreadUILanguage(LANGID language) {

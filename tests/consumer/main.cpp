@@ -1,6 +1,7 @@
 // A host built against the installed library: fills a reference system from
-// the shipped catalogs, prints its datum and ellipsoid, and converts a point
-// from Geographic WGS 84 to UTM.
+// the shipped catalogs, prints its datum and ellipsoid, converts a point from
+// Geographic WGS 84 to UTM and prints the result's line in the user-interface
+// language (MAPWRIGHT_UI_LANG), turned into UTF-8 for the terminal.
 #include <mapwright/mapwright.h>
 
 #include <cstdio>
@@ -39,6 +40,9 @@ int main() {
     const GeoCoordTag* utm = static_cast<const GeoCoordTag*>(transform.GetGeoCoordDest()->GetCoord());
     std::printf("55.7558 N 37.6173 E -> UTM zone %d: E %.3f N %.3f h %.2f\n", utm->zone, utm->east, utm->north,
                 utm->height);
+    char line[256];
+    transform.GetCoordStr(line, sizeof line, 0);
+    std::printf("line: %s\n", AnsiToUtf8(line).c_str());
     transform.FreeGeoParam();
     return datum == "WGS 84" ? 0 : 1;
 }

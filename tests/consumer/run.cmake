@@ -22,13 +22,32 @@ run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 # are found beside the installed library and seeded into a fresh data home.
 set(ENV{XDG_DATA_HOME} "${WORK_DIR}/data-home")
 unset(ENV{MAPWRIGHT_APPDIR})
+
+# The converted point's line, exactly, in English and in Russian (the
+# consumer prints it as UTF-8). Moscow in UTM: GeographicLib's GeoConvert
+# gives 37n 413224.138 6179766.954.
+function(check_line output expected)
+  string(FIND "${output}" "line: ${expected}\n" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "expected the line \"${expected}\"")
+  endif()
+endfunction()
+
+set(ENV{MAPWRIGHT_UI_LANG} "en")
 run("${WORK_DIR}/build/consumer")
 message("${LAST_OUTPUT}")
-# Moscow in UTM: GeographicLib's GeoConvert gives 37n 413224.138 6179766.954.
 if(NOT LAST_OUTPUT MATCHES "datum 3: WGS 84" OR NOT LAST_OUTPUT MATCHES "Krassovsky 1940"
    OR NOT LAST_OUTPUT MATCHES "UTM zone 37: E 413224.1[0-9]+ N 6179766.9[0-9]+")
   message(FATAL_ERROR "unexpected output")
 endif()
+check_line("${LAST_OUTPUT}" "6179766.95, 413224.14 (UTM, UTM Zone  37 / WGS 84)")
+
+set(ENV{MAPWRIGHT_UI_LANG} "ru")
+run("${WORK_DIR}/build/consumer")
+message("${LAST_OUTPUT}")
+check_line("${LAST_OUTPUT}"
+  "6179766.95, 413224.14 (Универсальная поперечная Меркатора, Номер зоны  37 / WGS 84)")
+set(ENV{MAPWRIGHT_UI_LANG} "en")
 
 file(GLOB pcdirs "${prefix}/lib*/pkgconfig" "${prefix}/lib*/*/pkgconfig")
 set(ENV{PKG_CONFIG_PATH} "${pcdirs}")
@@ -38,3 +57,4 @@ separate_arguments(pkgflags UNIX_COMMAND "${pkgflags}")
 separate_arguments(extra UNIX_COMMAND "${EXTRA_FLAGS}")
 run(c++ -std=c++17 -Wall -Wextra -Werror ${extra} "${SOURCE_DIR}/main.cpp" -o "${WORK_DIR}/consumer-pc" ${pkgflags})
 run("${WORK_DIR}/consumer-pc")
+check_line("${LAST_OUTPUT}" "6179766.95, 413224.14 (UTM, UTM Zone  37 / WGS 84)")

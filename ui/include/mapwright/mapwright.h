@@ -14,7 +14,10 @@
 #include <mapwright/resources.h>
 #include <mapwright/winuser.h>
 
+#include <mapwright/afxwin.h>
+
 #include <mapwright/basalt.h>
+#include <mapwright/basalt_controls.h>
 
 #include <mapwright/GeoRecords.h>
 #include <mapwright/GeoReferenceData.h>
