@@ -29,8 +29,35 @@ test-sanitize: deps
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --test-dir $(ASAN_BUILD) --output-on-failure -j$(JOBS)
 
+# The main job on the shipped sample: ground control points in Pulkovo 1942 /
+# Gauss-Kruger zone 7 converted to WGS 84 / UTM zone 37 and back. It runs on a
+# copy of the shipped catalogs and a registry file in a temporary directory,
+# removed afterwards, so the user's own catalogs and saved systems are never
+# read or changed. The last line is the round trip's difference: the standard
+# Molodensky shift is not exactly invertible (PROJ's leaves the same few mm).
+SAMPLE := data/samples/gcp_pulkovo1942_gk7.txt
+GK7    := gk zone=7 datum="Pulkovo 1942"
+UTM37  := utm zone=37 north datum="WGS 84"
 demo: build
-	@echo "The command-line tool that runs the demo is not built yet."
+	@set -e; tmp=$$(mktemp -d); trap 'rm -rf "$$tmp"' EXIT; \
+	cp -R "data/Auxiliary Data" "$$tmp/"; \
+	export MAPWRIGHT_APPDIR="$$tmp" MAPWRIGHT_REGISTRY="$$tmp/registry.sqlite3" MAPWRIGHT_UI_LANG=en; \
+	mw="$(BUILD)/cli/mapwright"; \
+	grep -v '^#' $(SAMPLE) > "$$tmp/gk.txt"; \
+	echo; echo "== Ground control points, Pulkovo 1942 / Gauss-Kruger zone 7 ($(SAMPLE)):"; \
+	echo "   easting northing height name"; \
+	cat "$$tmp/gk.txt"; \
+	echo; echo "== To WGS 84 / UTM zone 37N:"; \
+	echo "   mapwright convert --from '$(subst ",\",$(GK7))' --to '$(subst ",\",$(UTM37))'"; \
+	"$$mw" convert --from '$(GK7)' --to '$(UTM37)' "$$tmp/gk.txt" > "$$tmp/utm.txt"; \
+	cat "$$tmp/utm.txt"; \
+	echo; echo "== And back to Pulkovo 1942 / Gauss-Kruger zone 7:"; \
+	echo "   mapwright convert --from '$(subst ",\",$(UTM37))' --to '$(subst ",\",$(GK7))'"; \
+	"$$mw" convert --from '$(UTM37)' --to '$(GK7)' "$$tmp/utm.txt" > "$$tmp/back.txt"; \
+	cat "$$tmp/back.txt"; \
+	echo; paste -d' ' "$$tmp/gk.txt" "$$tmp/back.txt" | awk '{ d = sqrt(($$1 - $$6) ^ 2 + ($$2 - $$7) ^ 2); \
+	  if (d > m) m = d; v = $$3 - $$8; if (v < 0) v = -v; if (v > mv) mv = v } \
+	  END { printf "Largest round-trip difference: %.4f m across, %.4f m in height\n", m, mv }'
 
 bench: deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DMAPWRIGHT_BENCH=ON -DMAPWRIGHT_TESTS=OFF $(CMAKE_ARGS)

@@ -1,0 +1,28 @@
+// The subcommands other than convert: the catalogs and the saved systems.
+#ifndef MAPWRIGHT_CLI_COMMANDS_H
+#define MAPWRIGHT_CLI_COMMANDS_H
+
+#include <optional>
+#include <string>
+
+namespace mwcli {
+
+int ListDatums();
+int ListEllipsoids();
+
+struct DatumAddOptions {
+    std::string name;
+    std::string ellipsoid;
+    std::optional<double> a, rf;  // required for an ellipsoid the catalog lacks
+    double dx = 0, dy = 0, dz = 0;
+};
+int AddDatum(const DatumAddOptions& options);
+
+int SaveSystem(const std::string& key, const std::string& system);
+int ShowSystem(const std::string& key);
+int SavePair(const std::string& base, const std::string& from, const std::string& to);
+int ShowPair(const std::string& base);
+
+}  // namespace mwcli
+
+#endif

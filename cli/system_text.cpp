@@ -1,0 +1,498 @@
+#include "system_text.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <map>
+#include <optional>
+
+#include "text.h"
+
+namespace mwcli {
+
+namespace {
+
+struct KindName {
+    const char* word;
+    int kind;
+};
+// The first word of each kind is its keyword; the others are accepted too.
+constexpr KindName kKindNames[] = {
+    {"geographic", Geographic},
+    {"geo", Geographic},
+    {"latlon", Geographic},
+    {"utm", UTM},
+    {"gk", GaussKruger},
+    {"gauss-kruger", GaussKruger},
+    {"tm", TransverseMercator},
+    {"tmerc", TransverseMercator},
+    {"transverse-mercator", TransverseMercator},
+    {"mercator", Mercator},
+    {"merc", Mercator},
+    {"ps", PolarStereographic},
+    {"stere", PolarStereographic},
+    {"polar-stereographic", PolarStereographic},
+    {"cartesian", Cartesian},
+    {"geocentric", Cartesian},
+    {"ecef", Cartesian},
+};
+
+enum Param { kZone, kNorth, kSouth, kScale, kLon0, kLat0, kLatTs, kFe, kFn, kDatum, kParamCount };
+
+constexpr const char* kParamNames[kParamCount] = {"zone", "north",  "south", "k",  "lon0",
+                                                  "lat0", "lat_ts", "fe",    "fn", "datum"};
+
+// PROJ spellings of the same parameters.
+constexpr struct {
+    const char* alias;
+    Param param;
+} kAliases[] = {{"lon_0", kLon0}, {"lat_0", kLat0}, {"k_0", kScale}, {"k0", kScale}, {"x_0", kFe}, {"y_0", kFn}};
+
+// What each kind takes, in the order the help and the messages give them.
+const std::vector<Param>& ParamsOf(int kind) {
+    static const std::vector<Param> kTable[8] = {
+        {},
+        {kDatum},
+        {kZone, kNorth, kSouth, kDatum},
+        {kZone, kLon0, kLat0, kFe, kFn, kDatum},
+        {kScale, kLon0, kLat0, kFe, kFn, kDatum},
+        {kLon0, kLatTs, kFe, kFn, kDatum},
+        {kLatTs, kLon0, kFe, kFn, kDatum},
+        {kDatum},
+    };
+    return kTable[kind];
+}
+
+std::string ExpectedForm(Param p, int kind) {
+    switch (p) {
+        case kZone: return kind == UTM ? "zone=1..60|auto" : "zone=1..60";
+        case kNorth: return "north";
+        case kSouth: return "south";
+        case kScale: return "k=SCALE";
+        case kLon0: return Tr("lon0=DEGREES", "lon0=ГРАДУСЫ");
+        case kLat0: return Tr("lat0=DEGREES", "lat0=ГРАДУСЫ");
+        case kLatTs: return Tr("lat_ts=DEGREES", "lat_ts=ГРАДУСЫ");
+        case kFe: return Tr("fe=METRES", "fe=МЕТРЫ");
+        case kFn: return Tr("fn=METRES", "fn=МЕТРЫ");
+        case kDatum: return Tr("datum=NAME|INDEX", "datum=НАЗВАНИЕ|НОМЕР");
+        default: return "";
+    }
+}
+
+std::string ExpectedList(int kind) {
+    std::vector<std::string> forms;
+    for (Param p : ParamsOf(kind)) forms.push_back(ExpectedForm(p, kind));
+    return JoinAlternatives(forms);
+}
+
+std::string KindList() {
+    std::vector<std::string> words;
+    for (int k = Geographic; k <= Cartesian; ++k) words.push_back(KindKeyword(k));
+    return JoinAlternatives(words);
+}
+
+std::string Lower(std::string_view s) {
+    std::string out(s);
+    for (char& c : out)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    return out;
+}
+
+// Blank-separated words; a quoted stretch ("..." or '...') belongs to its
+// word and loses its quotes: datum="Pulkovo 1942" is one word.
+std::vector<std::string> Words(std::string_view text) {
+    std::vector<std::string> words;
+    size_t i = 0;
+    while (i < text.size()) {
+        while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) ++i;
+        if (i == text.size()) break;
+        std::string word;
+        while (i < text.size() && text[i] != ' ' && text[i] != '\t') {
+            const char c = text[i++];
+            if (c == '"' || c == '\'') {
+                const size_t close = text.find(c, i);
+                if (close == std::string_view::npos)
+                    throw Error(std::string(Tr("unclosed quote in the system ", "незакрытая кавычка в системе ")) +
+                                Quoted(text));
+                word.append(text.substr(i, close - i));
+                i = close + 1;
+            } else {
+                word += c;
+            }
+        }
+        words.push_back(std::move(word));
+    }
+    return words;
+}
+
+std::optional<double> Number(std::string_view s) {
+    if (!s.empty() && s.front() == '+') s.remove_prefix(1);
+    double v = 0;
+    const auto r = std::from_chars(s.data(), s.data() + s.size(), v);
+    if (r.ec != std::errc() || r.ptr != s.data() + s.size() || !std::isfinite(v)) return std::nullopt;
+    return v;
+}
+
+[[noreturn]] void BadValue(const std::string& word, const std::string& expected) {
+    throw Error(Quoted(word) + Tr(": expected ", ": ожидается ") + expected);
+}
+
+double Degrees(const std::string& word, std::string_view value, double lo, double hi) {
+    const std::optional<double> v = Number(value);
+    if (!v || *v < lo || *v > hi)
+        BadValue(word, std::string(Tr("decimal degrees from ", "десятичные градусы от ")) + ShortNumber(lo) +
+                           Tr(" to ", " до ") + ShortNumber(hi));
+    return *v;
+}
+
+int32_t Metres(const std::string& word, std::string_view value) {
+    const std::optional<double> v = Number(value);
+    // The library holds false eastings and northings as whole metres in 32 bits.
+    if (!v || *v != std::floor(*v) || std::fabs(*v) > 2147483647.0)
+        BadValue(word, Tr("whole metres (an integer)", "целое число метров"));
+    return static_cast<int32_t>(*v);
+}
+
+int Zone(const std::string& word, std::string_view value, bool autoAllowed) {
+    if (autoAllowed && Lower(value) == "auto") return 0;
+    const std::optional<double> v = Number(value);
+    if (!v || *v != std::floor(*v) || *v < 1 || *v > 60)
+        BadValue(word, autoAllowed ? Tr("a zone number 1..60 or auto", "номер зоны 1..60 или auto")
+                                   : Tr("a zone number 1..60", "номер зоны 1..60"));
+    return static_cast<int>(*v);
+}
+
+// Gauss-Kruger zone n: central meridian 6n - 3 (east of Greenwich up to zone
+// 30, then west), the zone number in front of the 500 km false easting.
+double GkZoneMeridian(int zone) {
+    const int lon = 6 * zone - 3;
+    return lon > 180 ? lon - 360 : lon;
+}
+int32_t GkZoneFalseEasting(int zone) {
+    return zone * 1000000 + 500000;
+}
+
+}  // namespace
+
+const char* KindKeyword(int kind) {
+    static const char* const kKeywords[8] = {"", "geographic", "utm", "gk", "tm", "mercator", "ps", "cartesian"};
+    return kind >= Geographic && kind <= Cartesian ? kKeywords[kind] : "";
+}
+
+SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datums) {
+    const std::vector<std::string> words = Words(text);
+    if (words.empty())
+        throw Error(std::string(Tr("empty system; expected a kind: ", "пустая система; ожидается вид: ")) + KindList());
+
+    SystemDef def;
+    const std::string kindWord = Lower(words[0]);
+    for (const KindName& k : kKindNames)
+        if (kindWord == k.word) def.kind = k.kind;
+    if (def.kind == 0) {
+        std::string message = std::string(Tr("unknown kind ", "неизвестный вид ")) + Quoted(words[0]);
+        std::vector<std::string> all;
+        for (const KindName& k : kKindNames) all.push_back(k.word);
+        if (const auto near = Nearest(words[0], all, 1); !near.empty())
+            message += std::string(Tr(" (did you mean ", " (может быть, ")) + Quoted(near[0]) + "?)";
+        throw Error(message + Tr("; expected ", "; ожидается ") + KindList());
+    }
+    const char* kind = KindKeyword(def.kind);
+
+    std::map<Param, std::string> given;   // parameter -> value
+    std::map<Param, std::string> wordOf;  // parameter -> the word as written
+    for (size_t i = 1; i < words.size(); ++i) {
+        const std::string& word = words[i];
+        const size_t eq = word.find('=');
+        const std::string name = Lower(word.substr(0, eq));
+        int param = -1;
+        for (int p = 0; p < kParamCount; ++p)
+            if (name == kParamNames[p]) param = p;
+        for (const auto& a : kAliases)
+            if (name == a.alias) param = a.param;
+        const std::vector<Param>& allowed = ParamsOf(def.kind);
+        bool ok = false;
+        for (Param p : allowed) ok = ok || p == param;
+        if (!ok)
+            throw Error(std::string(kind) + Tr(" does not take ", " не принимает ") + Quoted(word) +
+                        Tr("; expected ", "; ожидается ") + ExpectedList(def.kind));
+        const bool flag = param == kNorth || param == kSouth;
+        if (flag != (eq == std::string::npos))
+            throw Error(Quoted(word) + Tr(": expected ", ": ожидается ") +
+                        ExpectedForm(static_cast<Param>(param), def.kind));
+        if (given.count(static_cast<Param>(param)))
+            throw Error(std::string(Tr("the system gives ", "в системе дважды задан ")) + Quoted(name) +
+                        Tr(" twice", ""));
+        given[static_cast<Param>(param)] = flag ? "" : word.substr(eq + 1);
+        wordOf[static_cast<Param>(param)] = word;
+    }
+
+    auto has = [&](Param p) { return given.count(p) != 0; };
+    if (has(kDatum))
+        def.datum = FindDatum(datums, given[kDatum]).index;
+    else if (!DatumByIndex(datums, def.datum))
+        throw Error(Tr("the default datum 3 is not in the catalog; give datum=",
+                       "датума 3 (по умолчанию) нет в каталоге; укажите datum="));
+
+    if (has(kScale)) {
+        const std::optional<double> k = Number(given[kScale]);
+        if (!k || *k <= 0) BadValue(wordOf[kScale], Tr("a positive scale factor", "положительный масштаб"));
+        def.scale = *k;
+    }
+    if (has(kLon0)) def.lon0 = Degrees(wordOf[kLon0], given[kLon0], -180, 180);
+    if (has(kLat0)) def.lat0 = Degrees(wordOf[kLat0], given[kLat0], -90, 90);
+    if (has(kFe)) def.fe = Metres(wordOf[kFe], given[kFe]);
+    if (has(kFn)) def.fn = Metres(wordOf[kFn], given[kFn]);
+
+    switch (def.kind) {
+        case UTM:
+            if (has(kNorth) && has(kSouth))
+                throw Error(Tr("utm takes north or south, not both", "utm принимает north или south, но не оба"));
+            def.fe = has(kSouth) ? -1 : 1;
+            def.fn = has(kZone) ? Zone(wordOf[kZone], given[kZone], true) : 0;
+            break;
+        case GaussKruger:
+            if (has(kZone)) {
+                const int zone = Zone(wordOf[kZone], given[kZone], false);
+                if (has(kLon0) && def.lon0 != GkZoneMeridian(zone))
+                    throw Error(Quoted(wordOf[kZone]) + Tr(" and ", " и ") + Quoted(wordOf[kLon0]) +
+                                Tr(" disagree: zone ", " не согласуются: меридиан зоны ") + std::to_string(zone) +
+                                Tr(" has its meridian at ", " равен ") + ShortNumber(GkZoneMeridian(zone)));
+                def.lon0 = GkZoneMeridian(zone);
+                if (!has(kFe)) def.fe = GkZoneFalseEasting(zone);
+            } else if (!has(kLon0)) {
+                throw Error(Tr("gk needs zone=1..60 or lon0=DEGREES", "для gk нужен zone=1..60 или lon0=ГРАДУСЫ"));
+            }
+            break;
+        case Mercator:
+            if (has(kLatTs)) {
+                def.lat0 = Degrees(wordOf[kLatTs], given[kLatTs], -90, 90);
+                if (std::fabs(def.lat0) == 90)
+                    BadValue(wordOf[kLatTs], Tr("a latitude between the poles", "широта между полюсами"));
+            }
+            break;
+        case PolarStereographic:
+            if (!has(kLatTs))
+                throw Error(
+                    Tr("ps needs lat_ts=DEGREES (positive for the north pole, negative for the south pole)",
+                       "для ps нужен lat_ts=ГРАДУСЫ (положительный у северного полюса, отрицательный у южного)"));
+            def.lat0 = Degrees(wordOf[kLatTs], given[kLatTs], -90, 90);
+            if (def.lat0 == 0)
+                BadValue(wordOf[kLatTs], Tr("a latitude other than 0 (its sign picks the pole)",
+                                            "широта, отличная от 0 (знак выбирает полюс)"));
+            break;
+        default: break;
+    }
+    return def;
+}
+
+void MakeSystem(const SystemDef& def, CGeoReferenceData& out) {
+    out.CreateGeoInfo(def.kind, def.datum);
+    void* block = out.GetParam();
+    if (!block) throw Error("no parameter block");  // CreateGeoInfo refused the kind: a bug of ours
+    if (def.kind == GaussKruger || def.kind == TransverseMercator) {
+        const ScaledProjectionParam p{def.kind == GaussKruger ? 1.0 : def.scale, def.lon0, def.lat0, def.fe, def.fn};
+        std::memcpy(block, &p, sizeof p);
+    } else if (def.kind != Geographic && def.kind != Cartesian) {
+        const ProjectionParam p{def.lon0, def.lat0, def.fe, def.fn};
+        std::memcpy(block, &p, sizeof p);
+    }
+    CheckCatalogEntries(out, "");
+}
+
+SystemDef DefOf(CGeoReferenceData& system) {
+    SystemDef def;
+    def.kind = system.GetProjection();
+    def.datum = system.GetDatum();
+    const void* block = system.GetParam();
+    if (!block) return def;
+    if (def.kind == GaussKruger || def.kind == TransverseMercator) {
+        ScaledProjectionParam p;
+        std::memcpy(&p, block, sizeof p);
+        def.scale = def.kind == GaussKruger ? 1.0 : p.scale;
+        def.lon0 = p.c_lon;
+        def.lat0 = p.lat_origin;
+        def.fe = p.fe;
+        def.fn = p.fn;
+    } else if (def.kind != Geographic && def.kind != Cartesian) {
+        ProjectionParam p;
+        std::memcpy(&p, block, sizeof p);
+        def.lon0 = p.c_lon;
+        def.lat0 = p.lat_origin;
+        def.fe = p.fe;
+        def.fn = p.fn;
+        // The engine reads every hemisphere flag but -1 as north.
+        if (def.kind == UTM && def.fe != -1) def.fe = 1;
+    }
+    return def;
+}
+
+void CheckCatalogEntries(CGeoReferenceData& system, const std::string& where) {
+    const std::vector<DatumEntry> datums = ReadDatums();
+    const std::string prefix = where.empty() ? "" : where + ": ";
+    const DatumEntry* datum = DatumByIndex(datums, system.GetDatum());
+    if (!datum)
+        throw Error(prefix + Tr("datum index ", "номера датума ") + std::to_string(system.GetDatum()) +
+                    Tr(" is not in the datum catalog", " нет в каталоге датумов"));
+    const std::vector<EllipsoidEntry> ellipsoids = ReadEllipsoids();
+    double geo[2];
+    short values[6];
+    system.GetGeoInfoA(geo, values);
+    if (!EllipsoidOf(ellipsoids, *datum) || !(geo[0] > 0) || !std::isfinite(geo[1]))
+        throw Error(prefix + Tr("datum ", "датум ") + Quoted(datum->name) +
+                    Tr(" refers to ellipsoid index ", " ссылается на эллипсоид номер ") + datum->ellipsoidText +
+                    Tr(", which the ellipsoid catalog does not have (or holds no axis for)",
+                       ", которого нет в каталоге эллипсоидов (или у него нет полуоси)"));
+}
+
+std::string SystemText(const SystemDef& def, const std::vector<DatumEntry>& datums) {
+    std::string text = KindKeyword(def.kind);
+    auto add = [&](const char* name, const std::string& value) { text += std::string(" ") + name + "=" + value; };
+    switch (def.kind) {
+        case UTM:
+            if (def.UtmZoneFixed()) {
+                add("zone", std::to_string(def.fn));
+                text += def.UtmSouth() ? " south" : " north";
+            } else {
+                add("zone", "auto");
+            }
+            break;
+        case GaussKruger: {
+            // The zone form when the system is a standard zone.
+            bool zoneForm = false;
+            for (int zone = 1; zone <= 60 && !zoneForm; ++zone) {
+                if (def.lon0 == GkZoneMeridian(zone) && def.fe == GkZoneFalseEasting(zone) && def.lat0 == 0 &&
+                    def.fn == 0) {
+                    add("zone", std::to_string(zone));
+                    zoneForm = true;
+                }
+            }
+            if (!zoneForm) {
+                add("lon0", ShortNumber(def.lon0));
+                add("lat0", ShortNumber(def.lat0));
+                add("fe", std::to_string(def.fe));
+                add("fn", std::to_string(def.fn));
+            }
+            break;
+        }
+        case TransverseMercator:
+            add("k", ShortNumber(def.scale));
+            add("lon0", ShortNumber(def.lon0));
+            add("lat0", ShortNumber(def.lat0));
+            add("fe", std::to_string(def.fe));
+            add("fn", std::to_string(def.fn));
+            break;
+        case Mercator:
+            add("lon0", ShortNumber(def.lon0));
+            add("lat_ts", ShortNumber(def.lat0));
+            add("fe", std::to_string(def.fe));
+            add("fn", std::to_string(def.fn));
+            break;
+        case PolarStereographic:
+            add("lat_ts", ShortNumber(def.lat0));
+            add("lon0", ShortNumber(def.lon0));
+            add("fe", std::to_string(def.fe));
+            add("fn", std::to_string(def.fn));
+            break;
+        default: break;
+    }
+    // The name when it finds this very entry again; the index otherwise.
+    const DatumEntry* byIndex = DatumByIndex(datums, def.datum);
+    const DatumEntry* byName = nullptr;
+    if (byIndex && byIndex->name.find_first_of("\"'") == std::string::npos) {
+        for (const DatumEntry& d : datums)
+            if (d.name == byIndex->name) byName = &d;
+    }
+    if (byName && byName->index == def.datum)
+        add("datum", byName->name.find(' ') == std::string::npos ? byName->name : Quoted(byName->name));
+    else
+        add("datum", std::to_string(def.datum));
+    return text;
+}
+
+std::string RegistryPath(std::string_view typed) {
+    if (typed.find_first_not_of(" \t/\\") == std::string_view::npos)
+        throw Error(std::string(Tr("an empty registry key ", "пустой ключ реестра ")) + Quoted(typed));
+    std::string path = Ansi(typed);
+    for (char& c : path)
+        if (c == '/') c = '\\';
+    return path;
+}
+
+bool RegistryKeyExists(const std::string& path) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+    RegCloseKey(key);
+    return true;
+}
+
+namespace {
+
+void CheckLoaded(CGeoReferenceData& system, const std::string& path) {
+    const std::string where = Quoted(Utf8(path.c_str()));
+    const int kind = system.GetProjection();
+    if (kind < Geographic || kind > Cartesian)
+        throw Error(where + Tr(": the saved system has no valid projection kind (ProjectionIndex)",
+                               ": у сохранённой системы нет допустимого вида проекции (ProjectionIndex)"));
+    CheckCatalogEntries(system, where);
+}
+
+[[noreturn]] void NothingSaved(const std::string& path) {
+    throw Error(std::string(Tr("nothing is saved under ", "под ключом ")) + Quoted(Utf8(path.c_str())) +
+                Tr("", " ничего не сохранено"));
+}
+
+}  // namespace
+
+void LoadSystem(std::string_view typedKey, CGeoReferenceData& out) {
+    const std::string path = RegistryPath(typedKey);
+    // LoadData takes a missing key for the defaults; a typing error must not.
+    if (!RegistryKeyExists(path)) NothingSaved(path);
+    out.LoadData(CString(path.c_str()));
+    CheckLoaded(out, path);
+}
+
+void LoadPair(std::string_view typedBase, CGeoTransform& out) {
+    const std::string base = RegistryPath(typedBase);
+    for (const char* part : {"\\GeoData_fm", "\\GeoData_to"})
+        if (!RegistryKeyExists(base + part)) NothingSaved(base + part);
+    out.LoadData(base.c_str());
+    CheckLoaded(*out.GetReferenceDataSource(), base + "\\GeoData_fm");
+    CheckLoaded(*out.GetReferenceDataDest(), base + "\\GeoData_to");
+}
+
+const char* SystemSyntaxHelp() {
+    return R"(SYSTEM is one argument (quote it for the shell): a kind, then its parameters
+separated by blanks:
+
+  geographic [datum=D]                        latitude and longitude
+  utm [zone=1..60|auto] [north|south] [datum=D]
+                                              zone=auto (the default): each
+                                              point's own zone
+  gk (zone=1..60 | lon0=DEG) [lat0=DEG] [fe=M] [fn=M] [datum=D]
+                                              Gauss-Kruger (scale 1); zone=N
+                                              means lon0=6N-3 and
+                                              fe=N*1000000+500000
+  tm [k=SCALE] [lon0=DEG] [lat0=DEG] [fe=M] [fn=M] [datum=D]
+                                              Transverse Mercator
+  mercator [lon0=DEG] [lat_ts=DEG] [fe=M] [fn=M] [datum=D]
+  ps lat_ts=DEG [lon0=DEG] [fe=M] [fn=M] [datum=D]
+                                              polar stereographic; the sign of
+                                              lat_ts picks the pole, lon0 is
+                                              the longitude below the pole
+  cartesian [datum=D]                         geocentric X, Y, Z
+
+D is a catalog index or a datum name as "mapwright datums" lists them, for
+example datum=4 or datum="Pulkovo 1942"; the default is 3 (WGS 84 in the
+shipped catalog). DEG are decimal degrees, M whole metres; what is not given
+is 0 (k is 1). Also understood: geo, latlon, gauss-kruger, tmerc,
+transverse-mercator, merc, stere, polar-stereographic, geocentric, ecef, and
+PROJ's lon_0, lat_0, k_0, x_0, y_0.
+
+Examples:
+  'utm zone=37 north datum="Pulkovo 1942"'
+  'gk zone=7 datum="Pulkovo 1942"'
+  'tm k=0.9996 lon0=39 fe=500000 datum=3'
+  'geographic datum="WGS 84"')";
+}
+
+}  // namespace mwcli
