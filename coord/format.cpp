@@ -7,6 +7,8 @@
 #include <mapwright/GeoTransform.h>
 #include <mapwright/basalt.h>
 
+#include "refsys/angle_text.h"
+
 namespace {
 
 // String-table ids.
@@ -25,18 +27,6 @@ constexpr int kZ = 884;
 constexpr unsigned long kHeightFirst = 1;  // the only bit of `flags` with a meaning
 
 bool IsKind(int kind) { return kind >= 1 && kind <= 7; }
-
-CString Lon(double degrees) {
-    char text[64] = "";
-    LongitudeDoubleToChar(text, sizeof text, degrees);
-    return CString(text, sizeof text);
-}
-
-CString Lat(double degrees) {
-    char text[64] = "";
-    LatitudeDoubleToChar(text, sizeof text, degrees);
-    return CString(text, sizeof text);
-}
 
 // Decimal degrees with the hemisphere letter. A NaN takes the negative letter:
 // the test is "not at least 0", and -0.0 is not below 0.
@@ -61,13 +51,13 @@ void CGeoCoord::GetCoord(CString& text, int field, bool decimal) {
                 if (decimal)
                     FormatDecimal(text, c.east, 'E', 'W');
                 else
-                    text = Lon(c.east);
+                    text = mw::LongitudeText(c.east);
                 return;
             case 1:
                 if (decimal)
                     FormatDecimal(text, c.north, 'N', 'S');
                 else
-                    text = Lat(c.north);
+                    text = mw::LatitudeText(c.north);
                 return;
             case 2:
                 text.Format("%.2lf", c.height);
@@ -108,10 +98,10 @@ void CGeoCoord::Coord_to_Str(CString* out, unsigned long flags, const char* elli
         case 1:
             // Always degrees, minutes and seconds here, whatever the entry format.
             text += GetResourceString(kLatitude);
-            text += Lat(c.north);
+            text += mw::LatitudeText(c.north);
             text += " ";
             text += GetResourceString(kLongitude);
-            text += Lon(c.east);
+            text += mw::LongitudeText(c.east);
             name.LoadString(kDisplayName + 1);
             break;
         case 2:

@@ -6,6 +6,8 @@
 #include <mapwright/GeoReferenceData.h>
 #include <mapwright/basalt.h>
 
+#include "angle_text.h"
+
 namespace {
 
 // String-table ids: names of kind k are kDisplayName + k and kEnglishName + k.
@@ -27,29 +29,17 @@ void LoadName(CString& name, int id) {
     name.LoadString(static_cast<UINT>(id));
 }
 
-CString Lon(double degrees) {
-    char text[64] = "";
-    LongitudeDoubleToChar(text, sizeof text, degrees);
-    return CString(text, sizeof text);
-}
-
-CString Lat(double degrees) {
-    char text[64] = "";
-    LatitudeDoubleToChar(text, sizeof text, degrees);
-    return CString(text, sizeof text);
-}
-
 // "<label> <value>, <label> <value>, \n<False easting> fe, <False northing> fn, ":
 // the angles on the first line, the false origin on the second.
 void AppendAnglesAndFalseOrigin(CString& text, int lonLabel, double lon, int latLabel, double lat, long fe,
                                 long fn) {
     text += GetResourceString(lonLabel);
     text += " ";
-    text += Lon(lon);
+    text += mw::LongitudeText(lon);
     text += ", ";
     text += GetResourceString(latLabel);
     text += " ";
-    text += Lat(lat);
+    text += mw::LatitudeText(lat);
     text += ", \n";
     text += GetResourceString(kFalseEasting);
     text.AppendFormat(" %ld, ", fe);
