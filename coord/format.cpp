@@ -8,6 +8,7 @@
 #include <mapwright/basalt.h>
 
 #include "refsys/angle_text.h"
+#include "refsys/kinds.h"
 
 namespace {
 
@@ -26,8 +27,6 @@ constexpr int kZ = 884;
 
 constexpr unsigned long kHeightFirst = 1;  // the only bit of `flags` with a meaning
 
-bool IsKind(int kind) { return kind >= 1 && kind <= 7; }
-
 // Decimal degrees with the hemisphere letter. A NaN takes the negative letter:
 // the test is "not at least 0", and -0.0 is not below 0.
 void FormatDecimal(CString& text, double degrees, char positive, char negative) {
@@ -43,9 +42,9 @@ void AppendMetres(CString& text, double value) {
 }  // namespace
 
 void CGeoCoord::GetCoord(CString& text, int field, bool decimal) {
-    if (!IsKind(m_nProjection)) return;  // no kind yet: the text is left as it was
+    if (!mw::IsKind(m_nProjection)) return;  // no kind yet: the text is left as it was
     const GeoCoordTag& c = m_coord;
-    if (m_nProjection == 1) {
+    if (m_nProjection == Geographic) {
         switch (field) {
             case 0:
                 if (decimal)
@@ -68,7 +67,7 @@ void CGeoCoord::GetCoord(CString& text, int field, bool decimal) {
         }
     }
     // The projected and Cartesian kinds: east, north, then zone (UTM only) and height.
-    const bool utm = m_nProjection == 2;
+    const bool utm = m_nProjection == UTM;
     if (field == 0)
         text.Format("%.2lf", c.east);
     else if (field == 1)
@@ -90,45 +89,45 @@ void CGeoCoord::Coord_to_Str(CString* out, unsigned long flags, const char* elli
 
     if (flags & kHeightFirst) {
         // A coordinate without a kind still shows its height.
-        text += GetResourceString(m_nProjection == 7 ? kZ : kHeight);
+        text += GetResourceString(m_nProjection == Cartesian ? kZ : kHeight);
         AppendMetres(text, c.height);
     }
 
     switch (m_nProjection) {
-        case 1:
+        case Geographic:
             // Always degrees, minutes and seconds here, whatever the entry format.
             text += GetResourceString(kLatitude);
             text += mw::LatitudeText(c.north);
             text += " ";
             text += GetResourceString(kLongitude);
             text += mw::LongitudeText(c.east);
-            name.LoadString(kDisplayName + 1);
+            name.LoadString(kDisplayName + Geographic);
             break;
-        case 2:
+        case UTM:
             text.AppendFormat("%.2lf, ", c.north);
             text.AppendFormat("%.2lf", c.east);
-            name.LoadString(kDisplayName + 2);
+            name.LoadString(kDisplayName + UTM);
             name += ", ";
             name += GetResourceString(kUtmZone);
             // The label ends in a blank and one more is added: two before the number.
             name.AppendFormat(" %ld", static_cast<long>(c.zone));
             break;
-        case 3:
-        case 4:
-        case 5:
-        case 6:
+        case GaussKruger:
+        case TransverseMercator:
+        case Mercator:
+        case PolarStereographic:
             text += GetResourceString(kNorthSouth);
             AppendMetres(text, c.north);
             text += GetResourceString(kEastWest);
             AppendMetres(text, c.east);
             name.LoadString(static_cast<UINT>(kDisplayName + m_nProjection));
             break;
-        case 7:
+        case Cartesian:
             text += GetResourceString(kY);
             AppendMetres(text, c.north);
             text += GetResourceString(kX);
             AppendMetres(text, c.east);
-            name.LoadString(kDisplayName + 7);
+            name.LoadString(kDisplayName + Cartesian);
             break;
         default:  // no kind: the frame alone
             break;

@@ -5,6 +5,8 @@
 #include <mapwright/GeoReferenceData.h>
 #include <mapwright/basalt_controls.h>
 
+#include "refsys/kinds.h"
+
 namespace {
 
 struct EntryMask {
@@ -36,7 +38,7 @@ constexpr unsigned kLabels[8][4] = {
 // The last field index of a kind; -1 for a kind that is not one.
 int LastField(int kind) {
     if (kind == UTM) return 3;
-    if (kind >= Geographic && kind <= Cartesian) return 2;
+    if (mw::IsKind(kind)) return 2;
     return -1;
 }
 
