@@ -9,21 +9,9 @@
 
 #include "refsys/angle_text.h"
 #include "refsys/kinds.h"
+#include "refsys/string_ids.h"
 
 namespace {
-
-// String-table ids.
-constexpr int kDisplayName = 831;  // + kind: the kind's name
-constexpr int kLatitude = 851;
-constexpr int kLongitude = 852;
-constexpr int kHeight = 853;
-constexpr int kNorthSouth = 854;
-constexpr int kEastWest = 855;
-constexpr int kUtmZone = 862;
-constexpr int kMetres = 867;
-constexpr int kX = 882;
-constexpr int kY = 883;
-constexpr int kZ = 884;
 
 constexpr unsigned long kHeightFirst = 1;  // the only bit of `flags` with a meaning
 
@@ -36,7 +24,7 @@ void FormatDecimal(CString& text, double degrees, char positive, char negative) 
 
 void AppendMetres(CString& text, double value) {
     text.AppendFormat("%.2lf", value);
-    text += GetResourceString(kMetres);
+    text += GetResourceString(IDS_METRES);
 }
 
 }  // namespace
@@ -89,26 +77,26 @@ void CGeoCoord::Coord_to_Str(CString* out, unsigned long flags, const char* elli
 
     if (flags & kHeightFirst) {
         // A coordinate without a kind still shows its height.
-        text += GetResourceString(m_nProjection == Cartesian ? kZ : kHeight);
+        text += GetResourceString(m_nProjection == Cartesian ? IDS_Z : IDS_HEIGHT);
         AppendMetres(text, c.height);
     }
 
     switch (m_nProjection) {
         case Geographic:
             // Always degrees, minutes and seconds here, whatever the entry format.
-            text += GetResourceString(kLatitude);
+            text += GetResourceString(IDS_LATITUDE);
             text += mw::LatitudeText(c.north);
             text += " ";
-            text += GetResourceString(kLongitude);
+            text += GetResourceString(IDS_LONGITUDE);
             text += mw::LongitudeText(c.east);
-            name.LoadString(kDisplayName + Geographic);
+            name.LoadString(mw::KindDisplayNameId(Geographic));
             break;
         case UTM:
             text.AppendFormat("%.2lf, ", c.north);
             text.AppendFormat("%.2lf", c.east);
-            name.LoadString(kDisplayName + UTM);
+            name.LoadString(mw::KindDisplayNameId(UTM));
             name += ", ";
-            name += GetResourceString(kUtmZone);
+            name += GetResourceString(IDS_UTM_ZONE);
             // The label ends in a blank and one more is added: two before the number.
             name.AppendFormat(" %ld", static_cast<long>(c.zone));
             break;
@@ -116,18 +104,18 @@ void CGeoCoord::Coord_to_Str(CString* out, unsigned long flags, const char* elli
         case TransverseMercator:
         case Mercator:
         case PolarStereographic:
-            text += GetResourceString(kNorthSouth);
+            text += GetResourceString(IDS_NORTH_SOUTH);
             AppendMetres(text, c.north);
-            text += GetResourceString(kEastWest);
+            text += GetResourceString(IDS_EAST_WEST);
             AppendMetres(text, c.east);
-            name.LoadString(static_cast<UINT>(kDisplayName + m_nProjection));
+            name.LoadString(static_cast<UINT>(mw::KindDisplayNameId(m_nProjection)));
             break;
         case Cartesian:
-            text += GetResourceString(kY);
+            text += GetResourceString(IDS_Y);
             AppendMetres(text, c.north);
-            text += GetResourceString(kX);
+            text += GetResourceString(IDS_X);
             AppendMetres(text, c.east);
-            name.LoadString(kDisplayName + Cartesian);
+            name.LoadString(mw::KindDisplayNameId(Cartesian));
             break;
         default:  // no kind: the frame alone
             break;

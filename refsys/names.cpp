@@ -6,20 +6,9 @@
 
 #include "refsys/angle_text.h"
 #include "refsys/kinds.h"
+#include "refsys/string_ids.h"
 
 namespace {
-
-// String-table ids: names of kind k are kDisplayName + k and kEnglishName + k.
-constexpr int kDisplayName = 831;
-constexpr int kEnglishName = 838;
-constexpr int kCentralMeridian = 856;
-constexpr int kLatitudeOfOrigin = 857;
-constexpr int kFalseEasting = 858;
-constexpr int kFalseNorthing = 859;
-constexpr int kLatitudeOfTrueScale = 860;
-constexpr int kScaleFactor = 861;
-constexpr int kLongitudeBelowPole = 866;
-constexpr int kZone = 885;
 
 void LoadName(CString& name, int id) {
     name.Empty();
@@ -38,9 +27,9 @@ void AppendAnglesAndFalseOrigin(CString& text, int lonLabel, double lon, int lat
     text += " ";
     text += mw::LatitudeText(lat);
     text += ", \n";
-    text += GetResourceString(kFalseEasting);
+    text += GetResourceString(IDS_FALSE_EASTING);
     text.AppendFormat(" %ld, ", fe);
-    text += GetResourceString(kFalseNorthing);
+    text += GetResourceString(IDS_FALSE_NORTHING);
     text.AppendFormat(" %ld, ", fn);
 }
 
@@ -48,14 +37,14 @@ void AppendAnglesAndFalseOrigin(CString& text, int lonLabel, double lon, int lat
 
 void CGeoReferenceData::GetProjectionName(CString& name) {
     if (mw::IsKind(m_nProjection))
-        LoadName(name, kDisplayName + m_nProjection);
+        LoadName(name, mw::KindDisplayNameId(m_nProjection));
     else
         name.Empty();
 }
 
 void CGeoReferenceData::GetEnProjectionName(CString& name) {
     if (mw::IsKind(m_nProjection))
-        LoadName(name, kEnglishName + m_nProjection);
+        LoadName(name, mw::KindEnglishNameId(m_nProjection));
     else
         name.Empty();
 }
@@ -67,23 +56,23 @@ void CGeoReferenceData::GetParamName(CString& text) {
     const mw::BlockParams p = mw::ReadBlock(m_nProjection, m_pParam);
     switch (m_nProjection) {
         case UTM:
-            text += GetResourceString(kZone);
+            text += GetResourceString(IDS_ZONE);
             text.AppendFormat(" %ld", static_cast<long>(p.UtmZone()));  // the hemisphere is not shown
             break;
         case TransverseMercator:
-            text += GetResourceString(kScaleFactor);
+            text += GetResourceString(IDS_SCALE_FACTOR);
             text.AppendFormat(" %lf, ", p.scale);
-            AppendAnglesAndFalseOrigin(text, kCentralMeridian, p.c_lon, kLatitudeOfOrigin, p.lat_origin, p.fe, p.fn);
+            AppendAnglesAndFalseOrigin(text, IDS_CENTRAL_MERIDIAN, p.c_lon, IDS_LATITUDE_OF_ORIGIN, p.lat_origin, p.fe, p.fn);
             break;
         case GaussKruger:  // its scale is always 1, so it is not shown
-            AppendAnglesAndFalseOrigin(text, kCentralMeridian, p.c_lon, kLatitudeOfOrigin, p.lat_origin, p.fe, p.fn);
+            AppendAnglesAndFalseOrigin(text, IDS_CENTRAL_MERIDIAN, p.c_lon, IDS_LATITUDE_OF_ORIGIN, p.lat_origin, p.fe, p.fn);
             break;
         case Mercator:
-            AppendAnglesAndFalseOrigin(text, kCentralMeridian, p.c_lon, kLatitudeOfTrueScale, p.lat_origin, p.fe,
+            AppendAnglesAndFalseOrigin(text, IDS_CENTRAL_MERIDIAN, p.c_lon, IDS_LATITUDE_OF_TRUE_SCALE, p.lat_origin, p.fe,
                                        p.fn);
             break;
         case PolarStereographic:
-            AppendAnglesAndFalseOrigin(text, kLongitudeBelowPole, p.c_lon, kLatitudeOfTrueScale, p.lat_origin, p.fe,
+            AppendAnglesAndFalseOrigin(text, IDS_LONGITUDE_BELOW_POLE, p.c_lon, IDS_LATITUDE_OF_TRUE_SCALE, p.lat_origin, p.fe,
                                        p.fn);
             break;
         default:  // Geographic and Cartesian have no parameters to show

@@ -9,6 +9,7 @@
 #include <mapwright/registry.h>
 #include <mapwright/winuser.h>
 
+#include "basalt/basalt_ids.h"
 #include "refsys/kinds.h"
 #include "refsys/numtext.h"
 
@@ -24,7 +25,7 @@ struct Values {
     int fn = 0;
 };
 
-void ShowSaveFailure() { MessageBoxA(nullptr, GetResourceString(211), " ", MB_OK); }
+void ShowSaveFailure() { MessageBoxA(nullptr, GetResourceString(IDS_SETTINGS_NOT_SAVED), " ", MB_OK); }
 
 // The value's text, or `fallback` when it is missing, empty or too long for
 // the 256-byte buffer.

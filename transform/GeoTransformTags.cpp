@@ -7,10 +7,9 @@
 #include <mapwright/basalt.h>
 
 #include "refsys/kinds.h"
+#include "refsys/string_ids.h"
 
 namespace {
-
-constexpr int kEnglishName = 838;  // string kEnglishName + k: English name of kind k
 
 // The tag's fields, read byte-wise: the record is packed, so its doubles and
 // integers are not aligned.
@@ -27,7 +26,7 @@ void SetProjectionFromTag(const ProjectionParamTag* tag, CGeoReferenceData& syst
     // Kinds 1 to 6 only, so a tag never selects the Cartesian kind. All six
     // names are tried.
     for (int k = Geographic; k <= PolarStereographic; ++k) {
-        const CString english = GetResourceString(kEnglishName + k);
+        const CString english = GetResourceString(mw::KindEnglishNameId(k));
         // A missing entry must not match a tag with an empty name.
         if (!english.IsEmpty() && english == name) {
             system.SetProjection(k);
