@@ -111,6 +111,8 @@ void CGeoCoord::Coord_to_Str(CString* out, unsigned long flags, const char* elli
             name.LoadString(static_cast<UINT>(mw::KindDisplayNameId(m_nProjection)));
             break;
         case Cartesian:
+            // Kept on purpose: north (the X axis) is labelled "Y = " and east "X =",
+            // as every text of the Cartesian kind shows them.
             text += GetResourceString(IDS_Y);
             AppendMetres(text, c.north);
             text += GetResourceString(IDS_X);

@@ -1,5 +1,9 @@
 // The state and helpers every projection kind shares: the state's common
-// fields, the area test, angle wrapping and the latitude series.
+// fields, the area test, angle wrapping and the latitude series. The series
+// are J. P. Snyder, "Map Projections - A Working Manual", USGS Professional
+// Paper 1395, 1987: the meridian arc eq. (3-21), the footpoint latitude
+// eq. (3-26) with n for his e1, the geodetic from the conformal latitude
+// eq. (3-5).
 #include "core.h"
 
 #include <algorithm>

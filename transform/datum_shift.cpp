@@ -1,5 +1,13 @@
 // Datum shift. The method is chosen once at creation from the two ellipsoids
 // and translations; the per-point functions only evaluate it.
+//
+// Sources: the standard Molodensky formulas, the closed-form WGS 72 -> WGS 84
+// formulas and the WGS 72 ellipsoid (a 6378135 m, 1/f 298.26) are those of
+// DMA TR 8350.2, "Department of Defense World Geodetic System 1984: Its
+// Definition and Relationships with Local Geodetic Systems", Defense Mapping
+// Agency, 1987 (NIMA TR 8350.2, 3rd edition, 1997/2000). The geocentric
+// inverse is B. R. Bowring, "Transformation from spatial to geographical
+// coordinates", Survey Review 23 (181), 1976.
 #include "datum_shift.h"
 
 #include <cmath>
@@ -23,7 +31,10 @@ constexpr Figure kWgs84{6378137.0, 0.01, 298.257223563, 1e-7};
 constexpr Figure kWgs72{6378135.0, 0.01, 298.26, 1e-6};
 constexpr Figure kWgs66{6378145.0, 0.01, 298.25, 1e-6};
 
-// WGS 72 -> WGS 84 in closed form.
+// WGS 72 -> WGS 84 in closed form (DMA TR 8350.2): the WGS 72 ellipsoid, the
+// changes of flattening and axis, the 4.5 m shift of the origin along the
+// polar axis, the 0.554" rotation in longitude and the 1.4 m change of scale
+// expressed as a radius.
 constexpr double kA72 = 6378135.0;
 constexpr double kE2Wgs72 = 0.006694317778266723;
 // The published 1 - e^2 of WGS 72 is exactly what the shared conversion computes.
@@ -91,7 +102,9 @@ Delta wgs84_to_wgs66(const DatumShiftState* s, double lat, double lon, double h)
     return difference(lat, lon, h, latR, lonR, hR);
 }
 
-// Standard (not abridged) Molodensky.
+// Standard (not abridged) Molodensky, as DMA TR 8350.2 gives it. Its
+// accuracy falls off towards the poles, where the exact translation takes
+// over (kMolodenskyLatLimit).
 Delta molodensky(const DatumShiftState* s, double lat, double lon, double h) {
     const double a = s->aFrom, e2 = s->e2From, ab = s->abFrom;
     const double da = s->aTo - s->aFrom, df = s->fTo - s->fFrom;

@@ -1,6 +1,15 @@
-// Transverse Mercator family. The forward and inverse are the classical ellipsoidal series in the
-// longitude difference (eta^2 terms to eta^8), over a meridian arc in e^2 to
-// e^6 and a footpoint latitude from a series in n to n^4, not iterated.
+// Transverse Mercator family. The forward and inverse are the classical
+// ellipsoidal series in the longitude difference (eta^2 terms to eta^8), over a
+// meridian arc in e^2 to e^6 and a footpoint latitude from a series in n to
+// n^4, not iterated.
+//
+// Sources: the series in the longitude difference (terms T1 to T18 there) are
+// those of DMA TM 8358.2, "The Universal Grids: Universal Transverse Mercator
+// (UTM) and Universal Polar Stereographic (UPS)", Defense Mapping Agency,
+// 1989, which also fixes the UTM constants. The meridian arc is J. P. Snyder,
+// "Map Projections - A Working Manual", USGS Professional Paper 1395, 1987,
+// eq. (3-21); the footpoint latitude its eq. (3-26) (its e1 is our n); the
+// geodetic latitude from the conformal one (core.cpp) its eq. (3-5).
 #include "tm.h"
 
 #include <cstdlib>
@@ -10,8 +19,19 @@
 
 namespace {
 
-// Area of validity: the series hold to 30 degrees either side of the central
-// meridian; the poles themselves are left to the margin.
+// Area of validity: 30 degrees either side of the central meridian, the poles
+// themselves left to the margin. The area is part of the interface; the series'
+// accuracy is not uniform over it. Largest error against the exact projection
+// (the oracle tests, WGS 84 and Krassovsky 1940, k0 0.9996, every latitude of
+// the area), forward / forward then inverse:
+//    4 degrees  0.956 mm / 0.787 mm  (the meridian arc's e^8 truncation)
+//    6 degrees  0.96 mm  / 0.83 mm
+//   10 degrees  18 mm    / 38 mm
+//   20 degrees  3.88 m   / 24.1 m
+//   30 degrees  115 m    / 1351 m
+// Beyond about 6 degrees the error grows roughly as the ninth power of the
+// longitude difference: use UTM zones (3 degrees) or Gauss-Kruger zones for
+// survey work, not the whole 30 degrees.
 constexpr double kTmLatLimit = 89.95;
 constexpr double kTmLonHalfWidth = 30.0;
 

@@ -8,8 +8,8 @@
 
 #include "core.h"
 
-// UTM: scale factor, false easting and the false northing of the southern
-// hemisphere, metres.
+// UTM (DMA TM 8358.2): scale factor, false easting and the false northing of
+// the southern hemisphere, metres.
 inline constexpr double kUtmScale = 0.9996;
 inline constexpr double kUtmFalseEasting = 500000.0;
 inline constexpr double kUtmFalseNorthingSouth = 10000000.0;
