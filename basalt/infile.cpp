@@ -40,11 +40,9 @@ BOOL CInFileCtrl::Create(int open, const char* filter, const char* defaultExt, i
     const LONG height = area.bottom - area.top < kRowHeight ? area.bottom - area.top : kRowHeight;
     const LONG button = buttonWidth < kMinButtonWidth ? kMinButtonWidth : buttonWidth;
     const LONG editWidth = width - button - kGap > 0 ? width - button - kGap : 0;
-    // The path set before Create stays.
-    CString path = GetPathName();
-    m_edit.Create(WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL | WS_BORDER, RECT{0, 0, editWidth, height},
-                  this, kEditId);
-    m_edit.SetWindowText(path);
+    // A path set before Create stays; keeping it is no change to report.
+    m_edit.CWnd::Create("Edit", GetPathName(), WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL | WS_BORDER,
+                        RECT{0, 0, editWidth, height}, this, kEditId);
     m_browse.Create("...", WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON,
                     RECT{width - button, 0, width, height}, this, kBrowseId);
     return TRUE;
