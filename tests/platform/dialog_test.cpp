@@ -147,7 +147,7 @@ TEST_F(DialogTest, AutoRadioButtonsUncheckOnlyTheirGroup) {
         std::vector<int> checks;
         Run(dialog, [&](TestDialog& d) {
             for (int id : c.clicks) EXPECT_TRUE(d.Button(id).Click());
-            for (int id = 20; id <= 23; ++id) checks.push_back(d.Button(id).GetCheck());
+            for (int id = 20; id <= 23; ++id) checks.push_back(static_cast<int>(d.IsDlgButtonChecked(id)));
             d.EndDialog(IDCANCEL);
         });
         EXPECT_EQ(checks, c.checks);
@@ -192,6 +192,9 @@ TEST_F(DialogTest, TemplateControlsAreBuiltAndMembersBound) {
             EXPECT_EQ(TextOf(d), "Test dialog");
             EXPECT_TRUE(d.IsWindowVisible());
             EXPECT_EQ(d.GetDlgItem(11), &d.m_edit) << "the member is the permanent object";
+            std::vector<int> ids;
+            for (CWnd* w = d.GetWindow(GW_CHILD); w; w = w->GetWindow(GW_HWNDNEXT)) ids.push_back(w->GetDlgCtrlID());
+            EXPECT_EQ(ids, (std::vector<int>{10, 11, 20, 21, 22, 23, 30, IDOK, IDCANCEL})) << "template order kept";
             EXPECT_EQ(d.m_list.GetCount(), 3) << "a fresh window has no items";
             EXPECT_EQ(d.m_radioA.GetStyle() & (WS_GROUP | BS_TYPEMASK), WS_GROUP | BS_AUTORADIOBUTTON);
             auto* label = dynamic_cast<CStatic*>(d.GetDlgItem(30));
