@@ -67,6 +67,7 @@ int main(int argc, char** argv) {
     convert->add_option("--to-key", co.toKey, "The destination system saved under KEY")->type_name("KEY");
     convert->add_option("--pair", co.pair, "Both systems from the pair saved under BASE (pair save)")
         ->type_name("BASE");
+    convert->add_flag("-I,--reverse", co.reverse, "Convert from the destination to the source");
     convert
         ->add_option("-p,--precision", co.precision,
                      "Decimals of metres; degrees get 5 more (default 3: mm, 1e-8 degrees)")

@@ -12,6 +12,10 @@ namespace mwcli {
 
 namespace {
 
+// UPS is polar stereographic with fixed parameters: a kind of the tool only.
+constexpr int kUpsWord = 8;
+constexpr int32_t kUpsFalseOrigin = 2000000;
+
 struct KindName {
     const char* word;
     int kind;
@@ -32,6 +36,7 @@ constexpr KindName kKindNames[] = {
     {"ps", PolarStereographic},
     {"stere", PolarStereographic},
     {"polar-stereographic", PolarStereographic},
+    {"ups", kUpsWord},
     {"cartesian", Cartesian},
     {"geocentric", Cartesian},
     {"ecef", Cartesian},
@@ -50,7 +55,7 @@ constexpr struct {
 
 // What each kind takes, in the order the help and the messages give them.
 const std::vector<Param>& ParamsOf(int kind) {
-    static const std::vector<Param> kTable[8] = {
+    static const std::vector<Param> kTable[9] = {
         {},
         {kDatum},
         {kZone, kNorth, kSouth, kDatum},
@@ -59,6 +64,7 @@ const std::vector<Param>& ParamsOf(int kind) {
         {kLon0, kLatTs, kFe, kFn, kDatum},
         {kLatTs, kLon0, kFe, kFn, kDatum},
         {kDatum},
+        {kNorth, kSouth, kDatum},
     };
     return kTable[kind];
 }
@@ -88,6 +94,7 @@ std::string ExpectedList(int kind) {
 std::string KindList() {
     std::vector<std::string> words;
     for (int k = Geographic; k <= Cartesian; ++k) words.push_back(KindKeyword(k));
+    words.insert(words.end() - 1, "ups");
     return JoinAlternatives(words);
 }
 
@@ -175,8 +182,9 @@ int32_t GkZoneFalseEasting(int zone) {
 }  // namespace
 
 const char* KindKeyword(int kind) {
-    static const char* const kKeywords[8] = {"", "geographic", "utm", "gk", "tm", "mercator", "ps", "cartesian"};
-    return kind >= Geographic && kind <= Cartesian ? kKeywords[kind] : "";
+    static const char* const kKeywords[9] = {"",   "geographic", "utm",       "gk", "tm",
+                                             "mercator", "ps",         "cartesian", "ups"};
+    return kind >= Geographic && kind <= kUpsWord ? kKeywords[kind] : "";
 }
 
 SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datums) {
@@ -280,10 +288,48 @@ SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datu
                 BadValue(wordOf[kLatTs], Tr("a latitude other than 0 (its sign picks the pole)",
                                             "широта, отличная от 0 (знак выбирает полюс)"));
             break;
+        case kUpsWord:
+            if (has(kNorth) == has(kSouth))
+                throw Error(Tr("ups takes north or south", "ups принимает north или south"));
+            def = SystemDef{.kind = PolarStereographic,
+                            .datum = def.datum,
+                            .lat0 = has(kSouth) ? -90.0 : 90.0,
+                            .fe = kUpsFalseOrigin,
+                            .fn = kUpsFalseOrigin,
+                            .ups = true};
+            break;
         default: break;
     }
     return def;
 }
+
+double UpsLatitudeOfTrueScale(double e2) {
+    // The library's scale at the pole for a latitude of true scale phi:
+    // m(phi) / t(phi) * sqrt((1+e)^(1+e) (1-e)^(1-e)) / 2, rising to 1 at the
+    // pole; bisection finds where it is 0.994.
+    const double e = std::sqrt(e2), halfPi = 1.5707963267948966;
+    const double c = std::sqrt(std::pow(1 + e, 1 + e) * std::pow(1 - e, 1 - e)) / 2;
+    auto scale = [&](double phi) {
+        const double s = std::sin(phi);
+        const double t = std::pow((1 + e * s) / (1 - e * s), e / 2) * std::tan((halfPi - phi) / 2);
+        return std::cos(phi) / std::sqrt(1 - e2 * s * s) / t * c;
+    };
+    double lo = 1.0, hi = halfPi;
+    for (int i = 0; i < 200 && hi - lo > 1e-16; ++i) (scale((lo + hi) / 2) < 0.994 ? lo : hi) = (lo + hi) / 2;
+    return (lo + hi) / 2 * 57.29577951308232;
+}
+
+namespace {
+
+double EccentricitySquared(CGeoReferenceData& system) {
+    double ellipsoid[2];
+    short values[6];
+    system.GetGeoInfoA(ellipsoid, values);
+    const double f = ellipsoid[1] > 0 ? 1 / ellipsoid[1] : 0;
+    return (2 - f) * f;
+}
+
+}  // namespace
 
 void MakeSystem(const SystemDef& def, CGeoReferenceData& out) {
     out.CreateGeoInfo(def.kind, def.datum);
@@ -293,7 +339,8 @@ void MakeSystem(const SystemDef& def, CGeoReferenceData& out) {
         const ScaledProjectionParam p{def.kind == GaussKruger ? 1.0 : def.scale, def.lon0, def.lat0, def.fe, def.fn};
         std::memcpy(block, &p, sizeof p);
     } else if (def.kind != Geographic && def.kind != Cartesian) {
-        const ProjectionParam p{def.lon0, def.lat0, def.fe, def.fn};
+        ProjectionParam p{def.lon0, def.lat0, def.fe, def.fn};
+        if (def.ups) p.lat_origin = std::copysign(UpsLatitudeOfTrueScale(EccentricitySquared(out)), def.lat0);
         std::memcpy(block, &p, sizeof p);
     }
     CheckCatalogEntries(out, "");
@@ -322,6 +369,10 @@ SystemDef DefOf(CGeoReferenceData& system) {
         def.fn = p.fn;
         // The engine reads every hemisphere flag but -1 as north.
         if (def.kind == UTM && def.fe != -1) def.fe = 1;
+        // UPS as saved: its latitude of true scale kept to six decimals.
+        def.ups = def.kind == PolarStereographic && def.fe == kUpsFalseOrigin && def.fn == kUpsFalseOrigin &&
+                  def.lon0 == 0 &&
+                  std::fabs(std::fabs(def.lat0) - UpsLatitudeOfTrueScale(EccentricitySquared(system))) < 1e-5;
     }
     return def;
 }
@@ -388,6 +439,10 @@ std::string SystemText(const SystemDef& def, const std::vector<DatumEntry>& datu
             add("fn", std::to_string(def.fn));
             break;
         case PolarStereographic:
+            if (def.ups) {
+                text = def.lat0 < 0 ? "ups south" : "ups north";
+                break;
+            }
             add("lat_ts", ShortNumber(def.lat0));
             add("lon0", ShortNumber(def.lon0));
             add("fe", std::to_string(def.fe));
@@ -479,6 +534,9 @@ separated by blanks:
                                               polar stereographic; the sign of
                                               lat_ts picks the pole, lon0 is
                                               the longitude below the pole
+  ups north|south [datum=D]                   universal polar stereographic:
+                                              scale 0.994 at the pole, false
+                                              easting and northing 2000000
   cartesian [datum=D]                         geocentric X, Y, Z
 
 D is a catalog index or a datum name as "mapwright datums" lists them, for

@@ -231,7 +231,7 @@ TEST_F(Commands, AWrongSystemNamesWhatWasExpected) {
         {"utm datum=\"Pulkovo 1924\"",
          "unknown datum \"Pulkovo 1924\" (did you mean \"Pulkovo 1942\"?); expected a catalog index or a datum name"},
         {"utn zone=37",
-         "unknown kind \"utn\" (did you mean \"utm\"?); expected geographic, utm, gk, tm, mercator, ps "
+         "unknown kind \"utn\" (did you mean \"utm\"?); expected geographic, utm, gk, tm, mercator, ps, ups "
          "or cartesian"},
         {"utm zone=37 lon0=39",
          "utm does not take \"lon0=39\"; expected zone=1..60|auto, north, south or datum=NAME|INDEX"},

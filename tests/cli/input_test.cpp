@@ -163,7 +163,7 @@ TEST_F(ConvertInput, GeographicLinesThatCannotBeReadOrAreRefused) {
             {"55.7 E 37.6", "\"E\" after the latitude is a letter of the other axis (for longitude first use -w)"},
             {"055° 61' 00.00'' N 037° 00' 00.00'' E",
              "cannot read the latitude from \"055° 61' 00.00'' N\"; degrees, minutes and seconds are written "
-             "as 055° 45' 20.50'' N"},
+             "as 55 45 20.5 N"},
             {"55.7 abc", "cannot read the longitude from \"abc\""},
             // Gauss-Kruger zone 7 covers 30 degrees either side of 39 E and a 2 degree margin.
             {"55.75 120.0", "the destination system refuses the point (outside the area of its projection)"},
@@ -178,20 +178,22 @@ TEST_F(ConvertInput, UtmWithoutAZoneNeedsOneOnTheLine) {
                   "37n 413380.72 6179118.15", "*\t*");
 }
 
-TEST_F(ConvertInput, AFileThatCannotBeReadIsReportedAndTheOthersConverted) {
+TEST_F(ConvertInput, AMissingInputOrADirectoryStopsTheCommand) {
     mwtest::TempDir dir;
     mwtest::WriteFile(dir.file("a.txt"), "55.7558 37.6173\n");
-    const clitest::Result r = Tool({"convert", "--from", "geographic", "--to", "utm zone=37", dir.file("missing.txt"),
-                                    dir.path(), dir.file("a.txt"), "-o", dir.file("out.txt")});
-    EXPECT_EQ(1, r.status);
-    EXPECT_TRUE(Contains(r.err, "mapwright: cannot open " + dir.file("missing.txt") + ": No such file")) << r.err;
-    EXPECT_TRUE(Contains(r.err, "mapwright: cannot read " + dir.path() + ": Is a directory")) << r.err;
-    EXPECT_EQ("", r.out);
-    EXPECT_EQ(1u, Lines(mwtest::ReadFile(dir.file("out.txt"))).size());
-
+    const std::vector<std::string> base = {"convert", "--from", "geographic", "--to", "utm zone=37"};
+    for (const std::string& bad : {dir.file("missing.txt"), dir.path()}) {
+        std::vector<std::string> args = base;
+        args.insert(args.end(), {dir.file("a.txt"), bad});
+        const clitest::Result r = Tool(args);
+        EXPECT_EQ(2, r.status);
+        EXPECT_TRUE(Contains(r.err, "mapwright: cannot open " + bad + ": ")) << r.err;
+        EXPECT_EQ("", r.out);
+    }
     // Opening the output would empty an input of the same name: refused.
-    const clitest::Result same =
-        Tool({"convert", "--from", "geographic", "--to", "utm zone=37", dir.file("a.txt"), "-o", dir.file("a.txt")});
+    std::vector<std::string> args = base;
+    args.insert(args.end(), {dir.file("a.txt"), "-o", dir.file("a.txt")});
+    const clitest::Result same = Tool(args);
     EXPECT_EQ(2, same.status);
     EXPECT_TRUE(Contains(same.err, "is also an input")) << same.err;
     EXPECT_EQ("55.7558 37.6173\n", mwtest::ReadFile(dir.file("a.txt")));
