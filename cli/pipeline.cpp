@@ -150,6 +150,9 @@ bool Pipeline::FromGeographic(double lat, double lon, double h) {
         g.east = meridian + WrapLongitude(lon - meridian);
         SetFalseOrigin(block, 1, zone);
     } else if (m_dest.kind == PolarStereographic) {
+        // Across the equator the library projects the mirror point (it takes
+        // abs(latitude)) within its 2-degree margin: refused.
+        if (lat != 0 && (lat < 0) != (m_dest.lat0 < 0)) return false;
         SetFalseOrigin(block, m_dest.fe, kPolarOffset);
     }
     m_second->SetGeoCoord(&g);
