@@ -1,5 +1,4 @@
 #include <dlfcn.h>
-#include <pwd.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -11,6 +10,8 @@
 
 #include <mapwright/basalt.h>
 
+#include "platform/posix_file.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -21,10 +22,10 @@ std::string g_hostRegKey;
 
 const char kCatalogFolder[] = "Auxiliary Data";
 
+// With no home directory at all, the catalogs still get a place.
 std::string HomeDirectory() {
-    if (const char* home = std::getenv("HOME"); home && *home) return home;
-    if (const passwd* pw = getpwuid(getuid()); pw && pw->pw_dir) return pw->pw_dir;
-    return "/tmp";
+    std::string home = mw::HomeDirectory();
+    return home.empty() ? "/tmp" : home;
 }
 
 std::string DefaultAppDir() {

@@ -1,6 +1,6 @@
 # mw_add_resources(<target> <script.rc> <module file name> [SYMBOL <name>])
 #
-# Compiles a resource script with mw_rc (platform/rc) into a C++ source of
+# Compiles a resource script with mw_rc (tools/rc) into a C++ source of
 # constant tables and adds it to <target>. The tables are the
 # MwModuleResources record of <mapwright/resources.h> for <module file name>
 # ("Mapwright.dll"), defined as

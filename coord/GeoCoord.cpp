@@ -4,11 +4,8 @@
 
 #include <mapwright/basalt.h>
 
+#include "refsys/kinds.h"
 #include "refsys/numtext.h"
-
-namespace {
-bool IsKind(int kind) { return kind >= 1 && kind <= 7; }
-}  // namespace
 
 CGeoCoord::CGeoCoord() : m_nProjection(0), m_coord{} {}
 
@@ -30,7 +27,7 @@ int CGeoCoord::SetCoord(void* record) {
 }
 
 int CGeoCoord::SetProjection(int kind) {
-    if (!IsKind(kind) || kind == m_nProjection) return 0;
+    if (!mw::IsKind(kind) || kind == m_nProjection) return 0;
     m_nProjection = kind;
     return 1;
 }
@@ -51,9 +48,9 @@ void ReadNumberAndLetter(const char* text, double& field, char negating) {
 }  // namespace
 
 void CGeoCoord::SetCoord(const char* text, int field, bool decimal) {
-    if (!text || !IsKind(m_nProjection)) return;
+    if (!text || !mw::IsKind(m_nProjection)) return;
     GeoCoordTag& c = m_coord;
-    if (m_nProjection == 1) {
+    if (m_nProjection == Geographic) {
         switch (field) {
             case 0:
                 if (decimal)
@@ -76,7 +73,7 @@ void CGeoCoord::SetCoord(const char* text, int field, bool decimal) {
         return;
     }
     // The projected and Cartesian kinds: east, north, then zone (UTM only) and height.
-    const bool utm = m_nProjection == 2;
+    const bool utm = m_nProjection == UTM;
     if (field == 0)
         c.east = mw::AtoF(text);
     else if (field == 1)

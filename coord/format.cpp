@@ -8,25 +8,12 @@
 #include <mapwright/basalt.h>
 
 #include "refsys/angle_text.h"
+#include "refsys/kinds.h"
+#include "refsys/string_ids.h"
 
 namespace {
 
-// String-table ids.
-constexpr int kDisplayName = 831;  // + kind: the kind's name
-constexpr int kLatitude = 851;
-constexpr int kLongitude = 852;
-constexpr int kHeight = 853;
-constexpr int kNorthSouth = 854;
-constexpr int kEastWest = 855;
-constexpr int kUtmZone = 862;
-constexpr int kMetres = 867;
-constexpr int kX = 882;
-constexpr int kY = 883;
-constexpr int kZ = 884;
-
 constexpr unsigned long kHeightFirst = 1;  // the only bit of `flags` with a meaning
-
-bool IsKind(int kind) { return kind >= 1 && kind <= 7; }
 
 // Decimal degrees with the hemisphere letter. A NaN takes the negative letter:
 // the test is "not at least 0", and -0.0 is not below 0.
@@ -37,15 +24,15 @@ void FormatDecimal(CString& text, double degrees, char positive, char negative) 
 
 void AppendMetres(CString& text, double value) {
     text.AppendFormat("%.2lf", value);
-    text += GetResourceString(kMetres);
+    text += GetResourceString(IDS_METRES);
 }
 
 }  // namespace
 
 void CGeoCoord::GetCoord(CString& text, int field, bool decimal) {
-    if (!IsKind(m_nProjection)) return;  // no kind yet: the text is left as it was
+    if (!mw::IsKind(m_nProjection)) return;  // no kind yet: the text is left as it was
     const GeoCoordTag& c = m_coord;
-    if (m_nProjection == 1) {
+    if (m_nProjection == Geographic) {
         switch (field) {
             case 0:
                 if (decimal)
@@ -68,7 +55,7 @@ void CGeoCoord::GetCoord(CString& text, int field, bool decimal) {
         }
     }
     // The projected and Cartesian kinds: east, north, then zone (UTM only) and height.
-    const bool utm = m_nProjection == 2;
+    const bool utm = m_nProjection == UTM;
     if (field == 0)
         text.Format("%.2lf", c.east);
     else if (field == 1)
@@ -90,45 +77,47 @@ void CGeoCoord::Coord_to_Str(CString* out, unsigned long flags, const char* elli
 
     if (flags & kHeightFirst) {
         // A coordinate without a kind still shows its height.
-        text += GetResourceString(m_nProjection == 7 ? kZ : kHeight);
+        text += GetResourceString(m_nProjection == Cartesian ? IDS_Z : IDS_HEIGHT);
         AppendMetres(text, c.height);
     }
 
     switch (m_nProjection) {
-        case 1:
+        case Geographic:
             // Always degrees, minutes and seconds here, whatever the entry format.
-            text += GetResourceString(kLatitude);
+            text += GetResourceString(IDS_LATITUDE);
             text += mw::LatitudeText(c.north);
             text += " ";
-            text += GetResourceString(kLongitude);
+            text += GetResourceString(IDS_LONGITUDE);
             text += mw::LongitudeText(c.east);
-            name.LoadString(kDisplayName + 1);
+            name.LoadString(mw::KindDisplayNameId(Geographic));
             break;
-        case 2:
+        case UTM:
             text.AppendFormat("%.2lf, ", c.north);
             text.AppendFormat("%.2lf", c.east);
-            name.LoadString(kDisplayName + 2);
+            name.LoadString(mw::KindDisplayNameId(UTM));
             name += ", ";
-            name += GetResourceString(kUtmZone);
+            name += GetResourceString(IDS_UTM_ZONE);
             // The label ends in a blank and one more is added: two before the number.
             name.AppendFormat(" %ld", static_cast<long>(c.zone));
             break;
-        case 3:
-        case 4:
-        case 5:
-        case 6:
-            text += GetResourceString(kNorthSouth);
+        case GaussKruger:
+        case TransverseMercator:
+        case Mercator:
+        case PolarStereographic:
+            text += GetResourceString(IDS_NORTH_SOUTH);
             AppendMetres(text, c.north);
-            text += GetResourceString(kEastWest);
+            text += GetResourceString(IDS_EAST_WEST);
             AppendMetres(text, c.east);
-            name.LoadString(static_cast<UINT>(kDisplayName + m_nProjection));
+            name.LoadString(static_cast<UINT>(mw::KindDisplayNameId(m_nProjection)));
             break;
-        case 7:
-            text += GetResourceString(kY);
+        case Cartesian:
+            // Kept on purpose: north (the X axis) is labelled "Y = " and east "X =",
+            // as every text of the Cartesian kind shows them.
+            text += GetResourceString(IDS_Y);
             AppendMetres(text, c.north);
-            text += GetResourceString(kX);
+            text += GetResourceString(IDS_X);
             AppendMetres(text, c.east);
-            name.LoadString(kDisplayName + 7);
+            name.LoadString(mw::KindDisplayNameId(Cartesian));
             break;
         default:  // no kind: the frame alone
             break;

@@ -5,6 +5,9 @@
 #include <mapwright/GeoReferenceData.h>
 #include <mapwright/basalt_controls.h>
 
+#include "refsys/kinds.h"
+#include "refsys/string_ids.h"
+
 namespace {
 
 struct EntryMask {
@@ -24,19 +27,19 @@ constexpr EntryMask kNumber{"%%%%%%%%%%%%%%", "______________", ""};
 // The label string of each field, by kind; 0 ends a kind's fields.
 constexpr unsigned kLabels[8][4] = {
     {0, 0, 0, 0},
-    {852, 851, 853, 0},    // Geographic: longitude, latitude, height
-    {855, 854, 862, 853},  // UTM: east, north, zone, height
-    {855, 854, 853, 0},    // Gauss-Kruger
-    {855, 854, 853, 0},    // Transverse Mercator
-    {855, 854, 853, 0},    // Mercator
-    {855, 854, 853, 0},    // Polar Stereographic
-    {882, 883, 884, 0},    // Cartesian: X, Y, Z
+    {IDS_LONGITUDE, IDS_LATITUDE, IDS_HEIGHT, 0},                 // Geographic
+    {IDS_EAST_WEST, IDS_NORTH_SOUTH, IDS_UTM_ZONE, IDS_HEIGHT},   // UTM
+    {IDS_EAST_WEST, IDS_NORTH_SOUTH, IDS_HEIGHT, 0},              // Gauss-Kruger
+    {IDS_EAST_WEST, IDS_NORTH_SOUTH, IDS_HEIGHT, 0},              // Transverse Mercator
+    {IDS_EAST_WEST, IDS_NORTH_SOUTH, IDS_HEIGHT, 0},              // Mercator
+    {IDS_EAST_WEST, IDS_NORTH_SOUTH, IDS_HEIGHT, 0},              // Polar Stereographic
+    {IDS_X, IDS_Y, IDS_Z, 0},                                     // Cartesian
 };
 
 // The last field index of a kind; -1 for a kind that is not one.
 int LastField(int kind) {
     if (kind == UTM) return 3;
-    if (kind >= Geographic && kind <= Cartesian) return 2;
+    if (mw::IsKind(kind)) return 2;
     return -1;
 }
 

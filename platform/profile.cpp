@@ -4,20 +4,15 @@
 // file through a temporary file and a rename, under a directory lock.
 #include <mapwright/profile.h>
 
-#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <sys/file.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
-#include <cstdint>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -25,8 +20,13 @@
 #include <vector>
 
 #include "ansi_case.h"
+#include "posix_file.h"
 
 namespace {
+
+using mw::Fd;
+using mw::OpenRegular;
+using mw::ReadAll;
 
 constexpr size_t npos = std::string_view::npos;
 constexpr std::string_view kLineEnd = "\r\n";  // what the Windows writer puts after a line
@@ -216,64 +216,6 @@ std::string NormalisePath(const char* file) {
     return p;
 }
 
-class Fd {
-public:
-    explicit Fd(int fd = -1) : m_fd(fd) {}
-    ~Fd() { reset(); }
-    Fd(const Fd&) = delete;
-    Fd& operator=(const Fd&) = delete;
-    int get() const { return m_fd; }
-    bool ok() const { return m_fd >= 0; }
-    void reset(int fd = -1) {
-        if (m_fd >= 0) ::close(m_fd);
-        m_fd = fd;
-    }
-    int release() {
-        int fd = m_fd;
-        m_fd = -1;
-        return fd;
-    }
-
-private:
-    int m_fd;
-};
-
-bool ReadAll(int fd, std::string& out) {
-    out.clear();
-    char chunk[65536];
-    for (;;) {
-        ssize_t n = ::read(fd, chunk, sizeof chunk);
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) return false;
-        if (n == 0) return true;
-        out.append(chunk, static_cast<size_t>(n));
-    }
-}
-
-bool WriteAll(int fd, std::string_view data) {
-    while (!data.empty()) {
-        ssize_t n = ::write(fd, data.data(), data.size());
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        data.remove_prefix(static_cast<size_t>(n));
-    }
-    return true;
-}
-
-// Opens `name` (relative to `dirfd`) for reading when it is a regular file.
-// O_NONBLOCK keeps a FIFO in its place from blocking the open.
-int OpenRegular(int dirfd, const char* name, struct stat& st) {
-    Fd fd(::openat(dirfd, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!fd.ok()) return -1;
-    if (::fstat(fd.get(), &st) != 0) return -1;
-    if (!S_ISREG(st.st_mode)) {
-        fd.reset();
-        errno = EISDIR;
-        return -1;
-    }
-    return fd.release();
-}
-
 // The text of a profile file; false when it is missing, unreadable or not a
 // regular file, which reads as a file with no sections.
 bool LoadForReading(const char* file, std::string& text) {
@@ -287,59 +229,61 @@ bool LoadForReading(const char* file, std::string& text) {
 
 // ---------------------------------------------------------------- the edit
 
-// Applies one write to `text`. False when the names or the value cannot be
-// written as lines that read back as written (a line break, "=" in a key name,
-// a key line that would read as a section header).
-bool Edit(std::string_view text, const char* sectionArg, const char* keyArg, const char* valueArg,
-          std::string& out) {
-    const std::vector<Line> lines = SplitLines(text);
-    const std::string_view section = Trim(sectionArg);
+// A line we are about to write reads back as the line we meant: one line, of
+// that kind, with that name.
+bool ReadsBackAs(std::string_view line, LineKind kind, std::string_view name) {
+    if (line.find_first_of("\r\n") != npos) return false;
+    LineMeaning m = Classify(line);
+    return m.kind == kind && m.name == name;
+}
 
-    auto readsBackAs = [](std::string_view line, LineKind kind, std::string_view name) {
-        if (line.find_first_of("\r\n") != npos) return false;
-        LineMeaning m = Classify(line);
-        return m.kind == kind && m.name == name;
-    };
-
-    if (!keyArg) {  // delete every section of that name, header to next header
-        out.clear();
-        size_t copied = 0;
-        for (size_t i = 0; i < lines.size(); ++i) {
-            if (lines[i].kind() != LineKind::Section || !SameName(lines[i].meaning.name, section)) continue;
-            out.append(text.substr(copied, lines[i].begin - copied));
-            size_t end = SectionEnd(lines, i);
-            copied = end < lines.size() ? lines[end].begin : text.size();
-            i = end - 1;
-        }
-        out.append(text.substr(copied));
-        return true;
+// A null key: every section of that name goes, header to next header.
+void DeleteSection(std::string_view text, const std::vector<Line>& lines, std::string_view section,
+                   std::string& out) {
+    out.clear();
+    size_t copied = 0;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (lines[i].kind() != LineKind::Section || !SameName(lines[i].meaning.name, section)) continue;
+        out.append(text.substr(copied, lines[i].begin - copied));
+        size_t end = SectionEnd(lines, i);
+        copied = end < lines.size() ? lines[end].begin : text.size();
+        i = end - 1;
     }
+    out.append(text.substr(copied));
+}
 
-    const std::string_view key = Trim(keyArg);
+// A null value: the key (every line of it) goes from the section that answers.
+void DeleteKey(std::string_view text, const std::vector<Line>& lines, std::string_view section,
+               std::string_view key, std::string& out) {
     const size_t header = FindSection(lines, section);
     const bool haveSection = header < lines.size();
     const size_t sectionEnd = haveSection ? SectionEnd(lines, header) : lines.size();
-
-    if (!valueArg) {  // delete the key (every line of it) from the section that answers
-        out.clear();
-        size_t copied = 0;
-        for (size_t i = haveSection ? header + 1 : sectionEnd; i < sectionEnd; ++i) {
-            if (lines[i].kind() != LineKind::Key || !SameName(lines[i].meaning.name, key)) continue;
-            out.append(text.substr(copied, lines[i].begin - copied));
-            copied = lines[i].next;
-        }
-        out.append(text.substr(copied));
-        return true;
+    out.clear();
+    size_t copied = 0;
+    for (size_t i = haveSection ? header + 1 : sectionEnd; i < sectionEnd; ++i) {
+        if (lines[i].kind() != LineKind::Key || !SameName(lines[i].meaning.name, key)) continue;
+        out.append(text.substr(copied, lines[i].begin - copied));
+        copied = lines[i].next;
     }
+    out.append(text.substr(copied));
+}
 
-    const std::string_view value = valueArg;
-    if (haveSection) {
+// A value: replaces the key's value in place, or adds the key after the
+// section's last key, or appends the section with the key. False when the
+// names or the value cannot be written as lines that read back as written (a
+// line break, "=" in a key name, a key line that would read as a section
+// header).
+bool SetValue(std::string_view text, const std::vector<Line>& lines, std::string_view section,
+              std::string_view key, std::string_view value, std::string& out) {
+    const size_t header = FindSection(lines, section);
+    if (header < lines.size()) {
+        const size_t sectionEnd = SectionEnd(lines, header);
         size_t at = FindKey(lines, header + 1, sectionEnd, key);
         if (at < sectionEnd) {  // replace the value, keep the key's spelling and layout
             const Line& l = lines[at];
             std::string line(text.substr(l.begin, l.meaning.valueAt));
             line.append(value);
-            if (!readsBackAs(line, LineKind::Key, l.meaning.name)) return false;
+            if (!ReadsBackAs(line, LineKind::Key, l.meaning.name)) return false;
             out.assign(text.substr(0, l.begin));
             out.append(line);
             out.append(text.substr(l.end));
@@ -347,7 +291,7 @@ bool Edit(std::string_view text, const char* sectionArg, const char* keyArg, con
         }
         std::string line(key);
         line.append("=").append(value);
-        if (!readsBackAs(line, LineKind::Key, key)) return false;
+        if (!ReadsBackAs(line, LineKind::Key, key)) return false;
         size_t after = header;  // the new key follows the section's last key
         for (size_t i = header + 1; i < sectionEnd; ++i)
             if (lines[i].kind() == LineKind::Key) after = i;
@@ -363,129 +307,32 @@ bool Edit(std::string_view text, const char* sectionArg, const char* keyArg, con
     head.append(section).append("]");
     std::string line(key);
     line.append("=").append(value);
-    if (!readsBackAs(head, LineKind::Section, section) || !readsBackAs(line, LineKind::Key, key)) return false;
+    if (!ReadsBackAs(head, LineKind::Section, section) || !ReadsBackAs(line, LineKind::Key, key)) return false;
     out.assign(text);
     if (!out.empty() && !IsLineEnd(out.back())) out.append(kLineEnd);
     out.append(head).append(kLineEnd).append(line).append(kLineEnd);
     return true;
 }
 
-// ---------------------------------------------------------------- the atomic write
-
-// Writers lock the directory, not the file: the rename that publishes a write
-// replaces the file's inode, so a lock held on the file would guard an inode
-// that is no longer the file, while the directory's inode never changes and
-// needs nothing created or cleaned up. flock() locks per open file description,
-// so threads of one process exclude each other as processes do.
-class DirectoryLock {
-public:
-    bool acquire(int dirfd) {
-        while (::flock(dirfd, LOCK_EX) != 0) {
-            if (errno == EINTR) continue;
-            return acquireLockFile(dirfd);
-        }
+// Applies one write to `text`: as WritePrivateProfileStringA, a null key
+// deletes the section, a null value the key, anything else sets the value.
+bool Edit(std::string_view text, const char* sectionArg, const char* keyArg, const char* valueArg,
+          std::string& out) {
+    const std::vector<Line> lines = SplitLines(text);
+    const std::string_view section = Trim(sectionArg);
+    if (!keyArg) {
+        DeleteSection(text, lines, section, out);
         return true;
     }
-    // The lock lasts until the directory descriptor (or the lock file) is closed.
-
-private:
-    // Some network file systems refuse flock() on a directory; a lock file in
-    // it stands in (every writer of that directory meets the same refusal).
-    bool acquireLockFile(int dirfd) {
-        m_lockFile.reset(::openat(dirfd, ".mapwright-profile.lock", O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
-        if (!m_lockFile.ok()) return false;
-        while (::flock(m_lockFile.get(), LOCK_EX) != 0)
-            if (errno != EINTR) return false;
+    const std::string_view key = Trim(keyArg);
+    if (!valueArg) {
+        DeleteKey(text, lines, section, key, out);
         return true;
     }
-    Fd m_lockFile;
-};
-
-constexpr std::string_view kTempMark = ".mwtmp-";
-constexpr size_t kTempSuffixLength = 8;
-constexpr size_t kTempBaseLength = 200;  // keeps the temporary name within NAME_MAX
-
-std::string TempPrefix(const std::string& base) {
-    std::string p = ".";
-    p.append(base, 0, std::min(base.size(), kTempBaseLength));
-    p.append(kTempMark);
-    return p;
+    return SetValue(text, lines, section, key, valueArg, out);
 }
 
-bool IsTempSuffix(std::string_view s) {
-    return s.size() == kTempSuffixLength &&
-           std::all_of(s.begin(), s.end(), [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z'); });
-}
-
-// Every writer holds the directory lock while its temporary file exists, so a
-// temporary file seen under the lock was left by a writer that died.
-void RemoveStaleTemporaries(int dirfd, const std::string& base) {
-    const std::string prefix = TempPrefix(base);
-    int fd = ::openat(dirfd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
-    DIR* dir = ::fdopendir(fd);
-    if (!dir) {
-        ::close(fd);
-        return;
-    }
-    while (dirent* e = ::readdir(dir)) {
-        std::string_view name = e->d_name;
-        if (name.size() > prefix.size() && name.substr(0, prefix.size()) == prefix &&
-            IsTempSuffix(name.substr(prefix.size())))
-            ::unlinkat(dirfd, e->d_name, 0);
-    }
-    ::closedir(dir);
-}
-
-uint64_t Mix(uint64_t x) {  // splitmix64 finaliser
-    x += 0x9E3779B97F4A7C15ull;
-    x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ull;
-    x = (x ^ (x >> 27)) * 0x94D049BB133111EBull;
-    return x ^ (x >> 31);
-}
-
-// A new file beside the target, created exclusively with mode 0666 less the
-// umask, as a plain open would create the target itself.
-int CreateTemporary(int dirfd, const std::string& base, std::string& name) {
-    static std::atomic<uint64_t> counter{0};
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        timespec ts{};
-        ::clock_gettime(CLOCK_REALTIME, &ts);
-        uint64_t r = Mix((static_cast<uint64_t>(::getpid()) << 40) ^ (counter.fetch_add(1) << 20) ^
-                         static_cast<uint64_t>(ts.tv_nsec) ^ (static_cast<uint64_t>(ts.tv_sec) << 32));
-        name = TempPrefix(base);
-        for (size_t i = 0; i < kTempSuffixLength; ++i, r /= 36) name.push_back("0123456789abcdefghijklmnopqrstuvwxyz"[r % 36]);
-        int fd = ::openat(dirfd, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
-        if (fd >= 0 || errno != EEXIST) return fd;
-    }
-    return -1;
-}
-
-// Publishes `content` as `base`: temporary file, fsync, rename, fsync of the
-// directory. On failure the old file is untouched and the temporary removed.
-bool Publish(int dirfd, const std::string& base, std::string_view content, const struct stat* old) {
-    std::string tmp;
-    Fd fd(CreateTemporary(dirfd, base, tmp));
-    if (!fd.ok()) return false;
-    bool ok = true;
-    if (old) {
-        // Keep the owner where we may (root rewriting a user's file) and the mode.
-        if (old->st_uid != ::geteuid() || old->st_gid != ::getegid())
-            (void)!::fchown(fd.get(), old->st_uid, old->st_gid);
-        ok = ::fchmod(fd.get(), old->st_mode & 07777) == 0;
-    }
-    ok = ok && WriteAll(fd.get(), content) && ::fsync(fd.get()) == 0;
-    ok = (::close(fd.release()) == 0) && ok;
-    // Called through the PLT on purpose: tests interpose renameat to crash here.
-    ok = ok && ::renameat(dirfd, tmp.c_str(), dirfd, base.c_str()) == 0;
-    if (!ok) {
-        ::unlinkat(dirfd, tmp.c_str(), 0);
-        return false;
-    }
-    // The rename is durable only once the directory is; some file systems
-    // cannot sync a directory and say so with EINVAL.
-    return ::fsync(dirfd) == 0 || errno == EINVAL;
-}
+// ---------------------------------------------------------------- the write
 
 BOOL WriteProfile(const char* section, const char* key, const char* value, const char* file) {
     if (!section || !file) return FALSE;
@@ -506,9 +353,9 @@ BOOL WriteProfile(const char* section, const char* key, const char* value, const
 
     Fd dirfd(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!dirfd.ok()) return FALSE;
-    DirectoryLock lock;
+    mw::DirectoryLock lock;
     if (!lock.acquire(dirfd.get())) return FALSE;
-    RemoveStaleTemporaries(dirfd.get(), base);
+    mw::RemoveStaleTemporaries(dirfd.get(), base);
 
     std::string text;
     struct stat st;
@@ -524,7 +371,7 @@ BOOL WriteProfile(const char* section, const char* key, const char* value, const
     // The rename needs only the directory's permission; a file without write
     // permission must still refuse the write, as it does on Windows.
     if (exists && ::faccessat(dirfd.get(), base.c_str(), W_OK, AT_EACCESS) != 0) return FALSE;
-    return Publish(dirfd.get(), base, updated, exists ? &st : nullptr) ? TRUE : FALSE;
+    return mw::PublishAtomically(dirfd.get(), base, updated, exists ? &st : nullptr) ? TRUE : FALSE;
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <errno.h>
 #include <fcntl.h>
-#include <pwd.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +13,7 @@
 #include <thread>
 
 #include "ansi_case.h"
+#include "posix_file.h"
 
 namespace mw {
 
@@ -155,54 +155,6 @@ private:
     bool m_done = false;
 };
 
-std::string HomeDir() {
-    if (const char* home = std::getenv("HOME"); home && *home) return home;
-    long hint = sysconf(_SC_GETPW_R_SIZE_MAX);
-    std::string buffer(hint > 0 ? static_cast<size_t>(hint) : 4096, '\0');
-    for (;;) {
-        passwd entry{};
-        passwd* found = nullptr;
-        int rc = getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found);
-        if (rc == ERANGE && buffer.size() < (1u << 20)) {
-            buffer.resize(buffer.size() * 2);
-            continue;
-        }
-        if (rc != 0 || !found || !found->pw_dir || !*found->pw_dir) return {};
-        return found->pw_dir;
-    }
-}
-
-std::string ParentDir(const std::string& path) {
-    size_t slash = path.find_last_of('/');
-    if (slash == std::string::npos) return ".";
-    if (slash == 0) return "/";
-    return path.substr(0, slash);
-}
-
-// A new directory entry is durable only once its directory is synced.
-void SyncDir(const std::string& dir) {
-    int fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
-    fsync(fd);
-    close(fd);
-}
-
-// Makes every missing directory of `dir`, private to the user.
-bool MakeDirs(const std::string& dir) {
-    for (size_t end = 1; end <= dir.size(); ++end) {
-        if (end < dir.size() && dir[end] != '/') continue;
-        std::string prefix = dir.substr(0, end);
-        if (prefix.back() == '/') continue;
-        if (mkdir(prefix.c_str(), 0700) == 0) {
-            SyncDir(ParentDir(prefix));
-            continue;
-        }
-        struct stat st;
-        if (stat(prefix.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) return false;
-    }
-    return true;
-}
-
 // The registry holds the user's settings: the file and its WAL (SQLite gives
 // the WAL the file's mode) are readable by the user alone.
 bool CreateStoreFile(const std::string& path) {
@@ -237,7 +189,7 @@ std::string RegistryStorePath() {
     // A relative XDG_CONFIG_HOME is invalid and ignored (XDG base directories).
     if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && config[0] == '/')
         return std::string(config) + "/mapwright/registry.sqlite3";
-    std::string home = HomeDir();
+    std::string home = HomeDirectory();
     if (home.empty()) return {};
     return home + "/.config/mapwright/registry.sqlite3";
 }

@@ -6,15 +6,11 @@
 
 #include <mapwright/basalt.h>
 
+#include "refsys/kinds.h"
+
 namespace {
 
-bool IsKind(int kind) { return kind >= Geographic && kind <= Cartesian; }
-
-// Gauss-Kruger and Transverse Mercator carry a scale factor; the rest do not.
-size_t BlockSize(int kind) {
-    return (kind == GaussKruger || kind == TransverseMercator) ? sizeof(ScaledProjectionParam)
-                                                               : sizeof(ProjectionParam);
-}
+using mw::BlockSize;
 
 void* NewBlock(int kind) { return std::calloc(1, BlockSize(kind)); }
 
@@ -82,7 +78,7 @@ CGeoReferenceData& CGeoReferenceData::operator=(const CGeoReferenceData& other) 
 CGeoReferenceData::~CGeoReferenceData() { std::free(m_pParam); }
 
 int CGeoReferenceData::SetProjection(int kind) {
-    if (!IsKind(kind)) return 0;
+    if (!mw::IsKind(kind)) return 0;
     if (kind == m_nProjection && m_pParam) return 1;
     void* block = NewBlock(kind);
     if (!block) return 0;
@@ -94,7 +90,7 @@ int CGeoReferenceData::SetProjection(int kind) {
 }
 
 int CGeoReferenceData::SetParam(void* block) {
-    if (block && m_pParam && m_nProjection != Geographic && m_nProjection != Cartesian)
+    if (block && m_pParam && mw::TakesParams(m_nProjection))
         std::memcpy(m_pParam, block, BlockSize(m_nProjection));
     return 1;
 }

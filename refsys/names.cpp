@@ -1,28 +1,14 @@
 // The names a reference system is shown by: the display and English names of
 // its kind, and a summary of its projection parameters. Every text comes from
 // the module's string table, so the same calls speak English or Russian.
-#include <cstring>
-
 #include <mapwright/GeoReferenceData.h>
 #include <mapwright/basalt.h>
 
-#include "angle_text.h"
+#include "refsys/angle_text.h"
+#include "refsys/kinds.h"
+#include "refsys/string_ids.h"
 
 namespace {
-
-// String-table ids: names of kind k are kDisplayName + k and kEnglishName + k.
-constexpr int kDisplayName = 831;
-constexpr int kEnglishName = 838;
-constexpr int kCentralMeridian = 856;
-constexpr int kLatitudeOfOrigin = 857;
-constexpr int kFalseEasting = 858;
-constexpr int kFalseNorthing = 859;
-constexpr int kLatitudeOfTrueScale = 860;
-constexpr int kScaleFactor = 861;
-constexpr int kLongitudeBelowPole = 866;
-constexpr int kZone = 885;
-
-bool IsKind(int kind) { return kind >= Geographic && kind <= Cartesian; }
 
 void LoadName(CString& name, int id) {
     name.Empty();
@@ -41,24 +27,24 @@ void AppendAnglesAndFalseOrigin(CString& text, int lonLabel, double lon, int lat
     text += " ";
     text += mw::LatitudeText(lat);
     text += ", \n";
-    text += GetResourceString(kFalseEasting);
+    text += GetResourceString(IDS_FALSE_EASTING);
     text.AppendFormat(" %ld, ", fe);
-    text += GetResourceString(kFalseNorthing);
+    text += GetResourceString(IDS_FALSE_NORTHING);
     text.AppendFormat(" %ld, ", fn);
 }
 
 }  // namespace
 
 void CGeoReferenceData::GetProjectionName(CString& name) {
-    if (IsKind(m_nProjection))
-        LoadName(name, kDisplayName + m_nProjection);
+    if (mw::IsKind(m_nProjection))
+        LoadName(name, mw::KindDisplayNameId(m_nProjection));
     else
         name.Empty();
 }
 
 void CGeoReferenceData::GetEnProjectionName(CString& name) {
-    if (IsKind(m_nProjection))
-        LoadName(name, kEnglishName + m_nProjection);
+    if (mw::IsKind(m_nProjection))
+        LoadName(name, mw::KindEnglishNameId(m_nProjection));
     else
         name.Empty();
 }
@@ -67,33 +53,26 @@ void CGeoReferenceData::GetParamName(CString& text) {
     text.Empty();
     if (!m_pParam) return;  // unset record
 
-    // Copies: the block is raw storage of the kind's size.
-    ProjectionParam p;
-    ScaledProjectionParam s;
+    const mw::BlockParams p = mw::ReadBlock(m_nProjection, m_pParam);
     switch (m_nProjection) {
         case UTM:
-            std::memcpy(&p, m_pParam, sizeof p);
-            text += GetResourceString(kZone);
-            text.AppendFormat(" %ld", static_cast<long>(p.fn));  // the zone; the hemisphere is not shown
+            text += GetResourceString(IDS_ZONE);
+            text.AppendFormat(" %ld", static_cast<long>(p.UtmZone()));  // the hemisphere is not shown
             break;
         case TransverseMercator:
-            std::memcpy(&s, m_pParam, sizeof s);
-            text += GetResourceString(kScaleFactor);
-            text.AppendFormat(" %lf, ", s.scale);
-            AppendAnglesAndFalseOrigin(text, kCentralMeridian, s.c_lon, kLatitudeOfOrigin, s.lat_origin, s.fe, s.fn);
+            text += GetResourceString(IDS_SCALE_FACTOR);
+            text.AppendFormat(" %lf, ", p.scale);
+            AppendAnglesAndFalseOrigin(text, IDS_CENTRAL_MERIDIAN, p.c_lon, IDS_LATITUDE_OF_ORIGIN, p.lat_origin, p.fe, p.fn);
             break;
         case GaussKruger:  // its scale is always 1, so it is not shown
-            std::memcpy(&s, m_pParam, sizeof s);
-            AppendAnglesAndFalseOrigin(text, kCentralMeridian, s.c_lon, kLatitudeOfOrigin, s.lat_origin, s.fe, s.fn);
+            AppendAnglesAndFalseOrigin(text, IDS_CENTRAL_MERIDIAN, p.c_lon, IDS_LATITUDE_OF_ORIGIN, p.lat_origin, p.fe, p.fn);
             break;
         case Mercator:
-            std::memcpy(&p, m_pParam, sizeof p);
-            AppendAnglesAndFalseOrigin(text, kCentralMeridian, p.c_lon, kLatitudeOfTrueScale, p.lat_origin, p.fe,
+            AppendAnglesAndFalseOrigin(text, IDS_CENTRAL_MERIDIAN, p.c_lon, IDS_LATITUDE_OF_TRUE_SCALE, p.lat_origin, p.fe,
                                        p.fn);
             break;
         case PolarStereographic:
-            std::memcpy(&p, m_pParam, sizeof p);
-            AppendAnglesAndFalseOrigin(text, kLongitudeBelowPole, p.c_lon, kLatitudeOfTrueScale, p.lat_origin, p.fe,
+            AppendAnglesAndFalseOrigin(text, IDS_LONGITUDE_BELOW_POLE, p.c_lon, IDS_LATITUDE_OF_TRUE_SCALE, p.lat_origin, p.fe,
                                        p.fn);
             break;
         default:  // Geographic and Cartesian have no parameters to show

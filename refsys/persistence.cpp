@@ -9,7 +9,9 @@
 #include <mapwright/registry.h>
 #include <mapwright/winuser.h>
 
-#include "numtext.h"
+#include "basalt/basalt_ids.h"
+#include "refsys/kinds.h"
+#include "refsys/numtext.h"
 
 namespace {
 
@@ -23,7 +25,7 @@ struct Values {
     int fn = 0;
 };
 
-void ShowSaveFailure() { MessageBoxA(nullptr, GetResourceString(211), " ", MB_OK); }
+void ShowSaveFailure() { MessageBoxA(nullptr, GetResourceString(IDS_SETTINGS_NOT_SAVED), " ", MB_OK); }
 
 // The value's text, or `fallback` when it is missing, empty or too long for
 // the 256-byte buffer.
@@ -55,18 +57,14 @@ Values ReadValues(const CString& path) {
 int CGeoReferenceData::SaveData(CString path) {
     if (!m_pParam) return 0;
 
-    ProjectionParam p{};
-    ScaledProjectionParam sp{};
+    const mw::BlockParams p = mw::ReadBlock(m_nProjection, m_pParam);
+    // Gauss-Kruger always works at scale 1, so that is what is stored; UTM
+    // stores its zone in the scale's place.
     CString scale("1");
-    if (m_nProjection == GaussKruger || m_nProjection == TransverseMercator) {
-        std::memcpy(&sp, m_pParam, sizeof sp);
-        p = {sp.c_lon, sp.lat_origin, sp.fe, sp.fn};
-        // Gauss-Kruger always works at scale 1, so that is what is stored.
-        if (m_nProjection == TransverseMercator) scale.Format("%lf", sp.scale);
-    } else {
-        std::memcpy(&p, m_pParam, sizeof p);
-        if (m_nProjection == UTM) scale.Format("%ld", static_cast<long>(p.fn));  // the zone
-    }
+    if (m_nProjection == TransverseMercator)
+        scale.Format("%lf", p.scale);
+    else if (m_nProjection == UTM)
+        scale.Format("%ld", static_cast<long>(p.UtmZone()));
 
     CString texts[7];
     texts[0].Format("%d", m_nProjection);
@@ -100,11 +98,5 @@ int CGeoReferenceData::SaveData(CString path) {
 void CGeoReferenceData::LoadData(CString path) {
     const Values v = ReadValues(path);
     if (!CreateGeoInfo(v.kind, v.datum)) return;  // a refused kind keeps the old block
-    if (m_nProjection == GaussKruger || m_nProjection == TransverseMercator) {
-        ScaledProjectionParam sp{v.scale, v.c_lon, v.lat_origin, v.fe, v.fn};
-        std::memcpy(m_pParam, &sp, sizeof sp);
-    } else {
-        ProjectionParam p{v.c_lon, v.lat_origin, v.fe, v.fn};
-        std::memcpy(m_pParam, &p, sizeof p);
-    }
+    mw::WriteBlock(m_nProjection, {v.scale, v.c_lon, v.lat_origin, v.fe, v.fn}, m_pParam);
 }

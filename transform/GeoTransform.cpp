@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 
+#include "refsys/kinds.h"
 #include "cartesian.h"
 #include "datum_shift.h"
 #include "mercator.h"
@@ -12,24 +13,10 @@
 
 namespace {
 
-bool IsKind(int kind) { return kind >= Geographic && kind <= Cartesian; }
-
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// The parameters of a block as one record, whatever the block's layout.
-ScaledProjectionParam ReadParams(CGeoReferenceData& system) {
-    ScaledProjectionParam p{1.0, 0.0, 0.0, 0, 0};
-    void* block = system.GetParam();
-    if (!block) return p;
-    const int kind = system.GetProjection();
-    if (kind == GaussKruger || kind == TransverseMercator) {
-        std::memcpy(&p, block, sizeof p);
-    } else {
-        ProjectionParam q;
-        std::memcpy(&q, block, sizeof q);
-        p = {1.0, q.c_lon, q.lat_origin, q.fe, q.fn};
-    }
-    return p;
+mw::BlockParams ReadParams(CGeoReferenceData& system) {
+    return mw::ReadBlock(system.GetProjection(), system.GetParam());
 }
 
 ProjState* CreateState(CGeoReferenceData& system) {
@@ -37,14 +24,14 @@ ProjState* CreateState(CGeoReferenceData& system) {
     short values[6];
     system.GetGeoInfoA(geo, values);
     const double a = geo[0], rf = geo[1];
-    const ScaledProjectionParam p = ReadParams(system);
-    switch (system.GetProjection()) {
+    const int kind = system.GetProjection();
+    const mw::BlockParams p = mw::ReadBlock(kind, system.GetParam());
+    switch (kind) {
         case UTM:
             return utm_create(a, rf);
-        case GaussKruger:  // always at scale 1, whatever the block holds
-            return tm_create(a, rf, p.lat_origin, p.c_lon, 1.0);
+        case GaussKruger:
         case TransverseMercator:
-            return tm_create(a, rf, p.lat_origin, p.c_lon, p.scale);
+            return tm_create(a, rf, p.lat_origin, p.c_lon, p.ScaleFor(kind));
         case Mercator:
             return merc_create(a, rf, p.c_lon, p.lat_origin);
         case PolarStereographic:
@@ -148,7 +135,7 @@ int CGeoTransform::InitGeoParam() {
 
 int CGeoTransform::GeoConvert() {
     // A system with no kind, unset (-1) included, converts nothing.
-    if (!IsKind(m_nPrSource) || !IsKind(m_nPrDest)) return 0;
+    if (!mw::IsKind(m_nPrSource) || !mw::IsKind(m_nPrDest)) return 0;
 
     const GeoCoordTag source = *static_cast<const GeoCoordTag*>(m_geoCoordSource.GetCoord());
     GeoCoordTag result{};
@@ -183,17 +170,17 @@ int CGeoTransform::GeoConvert() {
 
 void CGeoTransform::pr_to_geo(double* lat, double* lon, double* height) {
     auto* record = static_cast<GeoCoordTag*>(m_geoCoordSource.GetCoord());
-    const ScaledProjectionParam p = ReadParams(m_refDataSource);
+    const mw::BlockParams p = ReadParams(m_refDataSource);
     switch (m_nPrSource) {
         case Geographic:
             *lat = record->north;
             *lon = record->east;
             break;
         case UTM: {
-            record->zone = p.fn;
-            // A southern system (hemisphere -1) gives its northings without the sign.
-            const double n = p.fe == -1 ? -record->north : record->north;
-            utm_pr_to_geo(m_pPrSource, p.fn, record->east, n, lat, lon);
+            record->zone = p.UtmZone();
+            // A southern system gives its northings without the sign.
+            const double n = p.UtmSouth() ? -record->north : record->north;
+            utm_pr_to_geo(m_pPrSource, p.UtmZone(), record->east, n, lat, lon);
             break;
         }
         case GaussKruger:
@@ -216,7 +203,7 @@ void CGeoTransform::pr_to_geo(double* lat, double* lon, double* height) {
 
 void CGeoTransform::geo_to_pr(double* north, double* east, double* height, double lat, double lon, double h,
                               long* zone) {
-    const ScaledProjectionParam p = ReadParams(m_refDataDest);
+    const mw::BlockParams p = ReadParams(m_refDataDest);
     switch (m_nPrDest) {
         case Geographic:
             *north = lat;
@@ -224,7 +211,7 @@ void CGeoTransform::geo_to_pr(double* north, double* east, double* height, doubl
             break;
         case UTM: {
             // A zone outside 1..60 lets the longitude choose.
-            const long z = (p.fn >= 1 && p.fn <= 60) ? p.fn : -1;
+            const long z = p.UtmZoneFixed() ? p.UtmZone() : -1;
             static_cast<GeoCoordTag*>(m_geoCoordDest.GetCoord())->zone = static_cast<int32_t>(z);
             *zone = z;
             utm_geo_to_pr(m_pPrDest, lat, lon, zone, east, north);

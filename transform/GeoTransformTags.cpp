@@ -6,9 +6,10 @@
 #include <mapwright/GeoTransform.h>
 #include <mapwright/basalt.h>
 
-namespace {
+#include "refsys/kinds.h"
+#include "refsys/string_ids.h"
 
-constexpr int kEnglishName = 838;  // string kEnglishName + k: English name of kind k
+namespace {
 
 // The tag's fields, read byte-wise: the record is packed, so its doubles and
 // integers are not aligned.
@@ -25,7 +26,7 @@ void SetProjectionFromTag(const ProjectionParamTag* tag, CGeoReferenceData& syst
     // Kinds 1 to 6 only, so a tag never selects the Cartesian kind. All six
     // names are tried.
     for (int k = Geographic; k <= PolarStereographic; ++k) {
-        const CString english = GetResourceString(kEnglishName + k);
+        const CString english = GetResourceString(mw::KindEnglishNameId(k));
         // A missing entry must not match a tag with an empty name.
         if (!english.IsEmpty() && english == name) {
             system.SetProjection(k);
@@ -36,30 +37,15 @@ void SetProjectionFromTag(const ProjectionParamTag* tag, CGeoReferenceData& syst
     // The parameters go in by the system's kind, whether or not the name matched.
     void* block = system.GetParam();
     if (!block) return;
-    const double scale = Field<double>(tag, offsetof(ProjectionParamTag, scale));
-    const double c_lon = Field<double>(tag, offsetof(ProjectionParamTag, c_lon));
-    const double lat_origin = Field<double>(tag, offsetof(ProjectionParamTag, lat_origin));
-    const int32_t fe = Field<int32_t>(tag, offsetof(ProjectionParamTag, fe));
-    const int32_t fn = Field<int32_t>(tag, offsetof(ProjectionParamTag, fn));
-    switch (system.GetProjection()) {
-        case GaussKruger:
-        case TransverseMercator: {
-            const ScaledProjectionParam p{scale, c_lon, lat_origin, fe, fn};
-            std::memcpy(block, &p, sizeof p);
-            break;
-        }
-        case UTM: {
-            const ProjectionParam p{c_lon, lat_origin, fe, fn};  // fe the hemisphere, fn the zone
-            std::memcpy(block, &p, sizeof p);
-            static_cast<GeoCoordTag*>(coord.GetCoord())->zone = fn;
-            break;
-        }
-        default: {
-            const ProjectionParam p{c_lon, lat_origin, fe, fn};
-            std::memcpy(block, &p, sizeof p);
-            break;
-        }
-    }
+    mw::BlockParams p;
+    p.scale = Field<double>(tag, offsetof(ProjectionParamTag, scale));
+    p.c_lon = Field<double>(tag, offsetof(ProjectionParamTag, c_lon));
+    p.lat_origin = Field<double>(tag, offsetof(ProjectionParamTag, lat_origin));
+    p.fe = Field<int32_t>(tag, offsetof(ProjectionParamTag, fe));
+    p.fn = Field<int32_t>(tag, offsetof(ProjectionParamTag, fn));
+    const int kind = system.GetProjection();
+    mw::WriteBlock(kind, p, block);
+    if (kind == UTM) static_cast<GeoCoordTag*>(coord.GetCoord())->zone = p.UtmZone();
 }
 
 void SetDatumFromTag(const DatumParamTag* tag, CGeoReferenceData& system) {

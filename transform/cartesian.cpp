@@ -18,17 +18,20 @@ ProjState* decart_create(double a, double rf) {
     return s;
 }
 
-int decart_geo_to_pr(ProjState* s, double lat, double lon, double h, double* north, double* east, double* height) {
+void geodetic_to_geocentric(double a, double e2, double lat, double lon, double h, double* X, double* Y, double* Z) {
     // X = (N + h) cos phi cos lam, Y = (N + h) cos phi sin lam, Z = ((1 - e^2) N + h) sin phi.
-    if (s == nullptr) return kStatusNoState;
     double sinPhi, cosPhi, sinLam, cosLam;
     sin_cos(lat * kDegToRad, &sinPhi, &cosPhi);
     sin_cos(lon * kDegToRad, &sinLam, &cosLam);
-    const double e2 = s->decart.e2ab;
-    const double N = s->a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
-    *north = (N + h) * cosPhi * cosLam;
-    *east = (N + h) * cosPhi * sinLam;
-    *height = ((1.0 - e2) * N + h) * sinPhi;
+    const double N = a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
+    *X = (N + h) * cosPhi * cosLam;
+    *Y = (N + h) * cosPhi * sinLam;
+    *Z = ((1.0 - e2) * N + h) * sinPhi;
+}
+
+int decart_geo_to_pr(ProjState* s, double lat, double lon, double h, double* north, double* east, double* height) {
+    if (s == nullptr) return kStatusNoState;
+    geodetic_to_geocentric(s->a, s->decart.e2ab, lat, lon, h, north, east, height);
     return 0;
 }
 

@@ -3,7 +3,13 @@
 #ifndef MAPWRIGHT_TRANSFORM_CARTESIAN_H
 #define MAPWRIGHT_TRANSFORM_CARTESIAN_H
 
-#include "tm.h"
+#include "core.h"
+
+// Geodetic lat, lon (degrees) and h (metres above the ellipsoid) -> geocentric
+// X, Y, Z (metres) on the ellipsoid of semi-major axis a (metres) and squared
+// eccentricity e2. The one conversion of the library: the Cartesian kind and
+// the datum shift's geocentric paths both use it.
+void geodetic_to_geocentric(double a, double e2, double lat, double lon, double h, double* X, double* Y, double* Z);
 
 // a metres, rf inverse flattening. Zero-filled state (calloc), release with
 // projection_state_free; null when the allocation failed.

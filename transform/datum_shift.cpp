@@ -1,12 +1,21 @@
 // Datum shift. The method is chosen once at creation from the two ellipsoids
 // and translations; the per-point functions only evaluate it.
+//
+// Sources: the standard Molodensky formulas, the closed-form WGS 72 -> WGS 84
+// formulas and the WGS 72 ellipsoid (a 6378135 m, 1/f 298.26) are those of
+// DMA TR 8350.2, "Department of Defense World Geodetic System 1984: Its
+// Definition and Relationships with Local Geodetic Systems", Defense Mapping
+// Agency, 1987 (NIMA TR 8350.2, 3rd edition, 1997/2000). The geocentric
+// inverse is B. R. Bowring, "Transformation from spatial to geographical
+// coordinates", Survey Review 23 (181), 1976.
 #include "datum_shift.h"
 
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 
-#include "tm.h"
+#include "cartesian.h"
+#include "core.h"
 
 // ---------------------------------------------------------------------------
 // Constants.
@@ -22,10 +31,14 @@ constexpr Figure kWgs84{6378137.0, 0.01, 298.257223563, 1e-7};
 constexpr Figure kWgs72{6378135.0, 0.01, 298.26, 1e-6};
 constexpr Figure kWgs66{6378145.0, 0.01, 298.25, 1e-6};
 
-// WGS 72 -> WGS 84 in closed form.
+// WGS 72 -> WGS 84 in closed form (DMA TR 8350.2): the WGS 72 ellipsoid, the
+// changes of flattening and axis, the 4.5 m shift of the origin along the
+// polar axis, the 0.554" rotation in longitude and the 1.4 m change of scale
+// expressed as a radius.
 constexpr double kA72 = 6378135.0;
 constexpr double kE2Wgs72 = 0.006694317778266723;
-constexpr double kOneMinusE2Wgs72 = 0.9933056822217333;
+// The published 1 - e^2 of WGS 72 is exactly what the shared conversion computes.
+static_assert(1.0 - kE2Wgs72 == 0.9933056822217333);
 constexpr double kDf72 = 3.121057e-8;                 // flattening change
 constexpr double kA72Df72 = 0.19906522888695002;      // a72 * df
 constexpr double kDa72 = 2.0;                         // axis change, metres
@@ -66,17 +79,6 @@ Delta wgs72_to_wgs84(double lat) {
     return {(2.0 * s * c * kDf72 + kZ72 * c / kA72) / kDegToRad, kDlon72, kA72Df72 * s * s + kZ72 * s - kDa72 + kDr72};
 }
 
-// Geodetic (degrees, metres) -> geocentric on an ellipsoid (a metres, e2).
-void geodetic_to_geocentric(double a, double e2, double lat, double lon, double h, double* X, double* Y, double* Z) {
-    double sinPhi, cosPhi, sinLam, cosLam;
-    sin_cos(lat * kDegToRad, &sinPhi, &cosPhi);
-    sin_cos(lon * kDegToRad, &sinLam, &cosLam);
-    const double N = a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
-    *X = (N + h) * cosPhi * cosLam;
-    *Y = (N + h) * cosPhi * sinLam;
-    *Z = ((1.0 - e2) * N + h) * sinPhi;
-}
-
 // Differences from (lat, lon, h) to a result, the longitude's taken the short way.
 Delta difference(double lat, double lon, double h, double latR, double lonR, double hR) {
     return {latR - lat, normalize_lon_deg(lonR - lon), hR - h};
@@ -93,20 +95,16 @@ Delta wgs66_to_wgs84(const DatumShiftState* s, double lat, double lon, double h)
 
 Delta wgs84_to_wgs66(const DatumShiftState* s, double lat, double lon, double h) {
     const Delta d = wgs72_to_wgs84(lat);
-    const double lat1 = lat - d.lat, lon1 = lon - d.lon, h1 = h - d.h;
-    double sinPhi, cosPhi, sinLam, cosLam;
-    sin_cos(lat1 * kDegToRad, &sinPhi, &cosPhi);
-    sin_cos(lon1 * kDegToRad, &sinLam, &cosLam);
-    const double N = kA72 / std::sqrt(1.0 - kE2Wgs72 * sinPhi * sinPhi);
-    const double X = (N + h1) * cosPhi * cosLam - kDx66;
-    const double Y = (N + h1) * cosPhi * sinLam - kDy66;
-    const double Z = (kOneMinusE2Wgs72 * N + h1) * sinPhi - kDz66;
+    double X, Y, Z;
+    geodetic_to_geocentric(kA72, kE2Wgs72, lat - d.lat, lon - d.lon, h - d.h, &X, &Y, &Z);
     double latR, lonR, hR;
-    geocentric_to_geodetic(s->aTo, s->e2To, X, Y, Z, &latR, &lonR, &hR);
+    geocentric_to_geodetic(s->aTo, s->e2To, X - kDx66, Y - kDy66, Z - kDz66, &latR, &lonR, &hR);
     return difference(lat, lon, h, latR, lonR, hR);
 }
 
-// Standard (not abridged) Molodensky.
+// Standard (not abridged) Molodensky, as DMA TR 8350.2 gives it. Its
+// accuracy falls off towards the poles, where the exact translation takes
+// over (kMolodenskyLatLimit).
 Delta molodensky(const DatumShiftState* s, double lat, double lon, double h) {
     const double a = s->aFrom, e2 = s->e2From, ab = s->abFrom;
     const double da = s->aTo - s->aFrom, df = s->fTo - s->fFrom;

@@ -3,7 +3,7 @@
 #ifndef MAPWRIGHT_TRANSFORM_MERCATOR_H
 #define MAPWRIGHT_TRANSFORM_MERCATOR_H
 
-#include "tm.h"
+#include "core.h"
 
 // a metres, rf inverse flattening, centralMeridian and latTrueScale degrees.
 // The state is made as an object (new); release it with merc_free. Null when

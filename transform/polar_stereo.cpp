@@ -78,7 +78,9 @@ int ps_geo_to_pr(ProjState* s, double lat, double lon, double* east, double* nor
     }
     *east = x + fe;
     *north = y + fn;
-    if (lat < 0.0) *north = -std::fabs(*north);  // the southern hemisphere's mark
+    // Kept on purpose: a southern point's northing is always written negative
+    // (the hemisphere mark the inverse removes), whatever the sign of y + fn.
+    if (lat < 0.0) *north = -std::fabs(*north);
 
     if (st != kStatusInside) return st;
     return in_utm_band(lat) ? kStatusRefused : kStatusInside;

@@ -3,7 +3,7 @@
 #ifndef MAPWRIGHT_TRANSFORM_POLAR_STEREO_H
 #define MAPWRIGHT_TRANSFORM_POLAR_STEREO_H
 
-#include "tm.h"
+#include "core.h"
 
 // UTM band: the polar zones lie north of the first and south of the second, degrees.
 inline constexpr double kPsBandNorth = 83.5;
