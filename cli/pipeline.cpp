@@ -1,7 +1,8 @@
 #include "pipeline.h"
 
 #include <cmath>
-#include <cstring>
+
+#include "refsys/kinds.h"
 
 namespace mwcli {
 
@@ -14,14 +15,13 @@ constexpr double kUtmSouthFalseNorthing = 10000000.0;
 constexpr int32_t kPolarOffset = 100000000;
 constexpr double kDegree = 3.14159265358979323846 / 180.0;
 
-// The false origin of a plain block (for UTM: hemisphere flag and zone),
-// which the library reads at every conversion.
-void SetFalseOrigin(void* block, int32_t fe, int32_t fn) {
-    ProjectionParam p;
-    std::memcpy(&p, block, sizeof p);
+// The false origin of a block (for UTM: hemisphere flag and zone), which
+// the library reads at every conversion.
+void SetFalseOrigin(int kind, void* block, int32_t fe, int32_t fn) {
+    mw::BlockParams p = mw::ReadBlock(kind, block);
     p.fe = fe;
     p.fn = fn;
-    std::memcpy(block, &p, sizeof p);
+    mw::WriteBlock(kind, p, block);
 }
 
 // The standard zone of a longitude in (-180, 180]: 180 is the west edge of zone 1.
@@ -111,12 +111,12 @@ bool Pipeline::ToGeographic(GeoCoordTag p, int zone, bool south, double& lat, do
             // The library reads a northing below the equator as -(y + 10 000 000)
             // under its hemisphere flag -1.
             const double y = p.north - (south ? kUtmSouthFalseNorthing : 0);
-            SetFalseOrigin(block, y >= 0 ? 1 : -1, zone);
+            SetFalseOrigin(UTM, block, y >= 0 ? 1 : -1, zone);
             p.north = y >= 0 ? y : y + kUtmSouthFalseNorthing;
             break;
         }
         case PolarStereographic:
-            SetFalseOrigin(block, m_source.fe, kPolarOffset);
+            SetFalseOrigin(PolarStereographic, block, m_source.fe, kPolarOffset);
             p.north = p.north - m_source.fn + kPolarOffset;
             break;
         case Cartesian:
@@ -148,12 +148,12 @@ bool Pipeline::FromGeographic(double lat, double lon, double h) {
         const int zone = m_dest.UtmZoneFixed() ? m_dest.fn : UtmZoneOf(lon);
         const double meridian = 6.0 * zone - 183.0;
         g.east = meridian + WrapLongitude(lon - meridian);
-        SetFalseOrigin(block, 1, zone);
+        SetFalseOrigin(UTM, block, 1, zone);
     } else if (m_dest.kind == PolarStereographic) {
         // Across the equator the library projects the mirror point (it takes
         // abs(latitude)) within its 2-degree margin: refused.
         if (lat != 0 && (lat < 0) != (m_dest.lat0 < 0)) return false;
-        SetFalseOrigin(block, m_dest.fe, kPolarOffset);
+        SetFalseOrigin(PolarStereographic, block, m_dest.fe, kPolarOffset);
     }
     m_second->SetGeoCoord(&g);
     m_second->GeoConvert();

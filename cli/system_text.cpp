@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 
+#include "refsys/kinds.h"
 #include "text.h"
 
 namespace mwcli {
@@ -335,13 +336,14 @@ void MakeSystem(const SystemDef& def, CGeoReferenceData& out) {
     out.CreateGeoInfo(def.kind, def.datum);
     void* block = out.GetParam();
     if (!block) throw Error("no parameter block");  // CreateGeoInfo refused the kind: a bug of ours
-    if (def.kind == GaussKruger || def.kind == TransverseMercator) {
-        const ScaledProjectionParam p{def.kind == GaussKruger ? 1.0 : def.scale, def.lon0, def.lat0, def.fe, def.fn};
-        std::memcpy(block, &p, sizeof p);
-    } else if (def.kind != Geographic && def.kind != Cartesian) {
-        ProjectionParam p{def.lon0, def.lat0, def.fe, def.fn};
+    if (mw::TakesParams(def.kind)) {
+        mw::BlockParams p{.scale = def.kind == GaussKruger ? 1.0 : def.scale,
+                          .c_lon = def.lon0,
+                          .lat_origin = def.lat0,
+                          .fe = def.fe,
+                          .fn = def.fn};
         if (def.ups) p.lat_origin = std::copysign(UpsLatitudeOfTrueScale(EccentricitySquared(out)), def.lat0);
-        std::memcpy(block, &p, sizeof p);
+        mw::WriteBlock(def.kind, p, block);
     }
     CheckCatalogEntries(out, "");
 }
@@ -351,29 +353,17 @@ SystemDef DefOf(CGeoReferenceData& system) {
     def.kind = system.GetProjection();
     def.datum = system.GetDatum();
     const void* block = system.GetParam();
-    if (!block) return def;
-    if (def.kind == GaussKruger || def.kind == TransverseMercator) {
-        ScaledProjectionParam p;
-        std::memcpy(&p, block, sizeof p);
-        def.scale = def.kind == GaussKruger ? 1.0 : p.scale;
-        def.lon0 = p.c_lon;
-        def.lat0 = p.lat_origin;
-        def.fe = p.fe;
-        def.fn = p.fn;
-    } else if (def.kind != Geographic && def.kind != Cartesian) {
-        ProjectionParam p;
-        std::memcpy(&p, block, sizeof p);
-        def.lon0 = p.c_lon;
-        def.lat0 = p.lat_origin;
-        def.fe = p.fe;
-        def.fn = p.fn;
-        // The engine reads every hemisphere flag but -1 as north.
-        if (def.kind == UTM && def.fe != -1) def.fe = 1;
-        // UPS as saved: its latitude of true scale kept to six decimals.
-        def.ups = def.kind == PolarStereographic && def.fe == kUpsFalseOrigin && def.fn == kUpsFalseOrigin &&
-                  def.lon0 == 0 &&
-                  std::fabs(std::fabs(def.lat0) - UpsLatitudeOfTrueScale(EccentricitySquared(system))) < 1e-5;
-    }
+    if (!block || !mw::TakesParams(def.kind)) return def;
+    const mw::BlockParams p = mw::ReadBlock(def.kind, block);
+    def.scale = p.ScaleFor(def.kind);
+    def.lon0 = p.c_lon;
+    def.lat0 = p.lat_origin;
+    def.fe = def.kind == UTM ? (p.UtmSouth() ? -1 : 1) : p.fe;
+    def.fn = p.fn;
+    // UPS as saved: its latitude of true scale kept to six decimals.
+    def.ups = def.kind == PolarStereographic && def.fe == kUpsFalseOrigin && def.fn == kUpsFalseOrigin &&
+              def.lon0 == 0 &&
+              std::fabs(std::fabs(def.lat0) - UpsLatitudeOfTrueScale(EccentricitySquared(system))) < 1e-5;
     return def;
 }
 
@@ -485,7 +475,7 @@ namespace {
 void CheckLoaded(CGeoReferenceData& system, const std::string& path) {
     const std::string where = Quoted(Utf8(path.c_str()));
     const int kind = system.GetProjection();
-    if (kind < Geographic || kind > Cartesian)
+    if (!mw::IsKind(kind))
         throw Error(where + Tr(": the saved system has no valid projection kind (ProjectionIndex)",
                                ": у сохранённой системы нет допустимого вида проекции (ProjectionIndex)"));
     CheckCatalogEntries(system, where);

@@ -19,6 +19,7 @@
 #include <mapwright/mapwright.h>
 
 #include "catalog_view.h"
+#include "refsys/kinds.h"
 
 namespace mwcli {
 
@@ -33,8 +34,9 @@ struct SystemDef {
     int32_t fn = 0;      // false northing, metres; UTM: zone, 0 = from each point's longitude
     bool ups = false;    // polar stereographic as UPS: scale 0.994 at the pole, false origin 2000 km
 
-    bool UtmZoneFixed() const { return kind == UTM && fn >= 1 && fn <= 60; }
-    bool UtmSouth() const { return kind == UTM && fe == -1; }
+    // UTM: hemisphere and zone by name, as the block holds them.
+    bool UtmZoneFixed() const { return kind == UTM && mw::BlockParams{.fn = fn}.UtmZoneFixed(); }
+    bool UtmSouth() const { return kind == UTM && mw::BlockParams{.fe = fe}.UtmSouth(); }
 };
 
 // Reads a SYSTEM text; the datum is looked up in `datums` by index or name.
