@@ -80,10 +80,14 @@ bool ReadDecimal(const char* p, const char* end, double& value, const char*& q) 
 
 // "55,7558": a comma between digits after a number without a point is a
 // decimal comma, which the tool does not read (the comma separates numbers).
-bool DecimalCommaAfter(const char* start, const char* q, const char* end) {
+// On one, `out` says so and names "55,7558".
+bool DecimalCommaAfter(const char* start, const char* q, const char* end, PointLine& out) {
     if (q + 1 >= end || *q != ',' || !IsDigit(q[1])) return false;
     for (const char* c = start; c < q; ++c)
         if (*c == '.' || *c == 'e' || *c == 'E') return false;
+    for (++q; q < end && IsDigit(*q);) ++q;
+    out.problem = Problem::DecimalComma;
+    out.token = std::string_view(start, static_cast<size_t>(q - start));
     return true;
 }
 
@@ -177,11 +181,7 @@ bool ReadAngle(const char*& p, const char* end, Role role, double& value, PointL
         out.token = TokenAt(p, end);
         return false;
     }
-    if (DecimalCommaAfter(start, q, end)) {
-        out.problem = Problem::DecimalComma;
-        out.token = TokenAt(start, end);
-        return false;
-    }
+    if (DecimalCommaAfter(start, q, end, out)) return false;
     const size_t degreeMark = AnyMarkAt(q, end, kDegreeMarks);
     if (degreeMark) {
         q += degreeMark;
@@ -239,10 +239,7 @@ bool ReadAngle(const char*& p, const char* end, Role role, double& value, PointL
 bool ReadNumber(const char*& p, const char* end, double& value, PointLine& out) {
     const char* q;
     out.token = TokenAt(p, end);
-    if (ReadDecimal(p, end, value, q) && DecimalCommaAfter(p, q, end)) {
-        out.problem = Problem::DecimalComma;
-        return false;
-    }
+    if (ReadDecimal(p, end, value, q) && DecimalCommaAfter(p, q, end, out)) return false;
     if (!ReadDecimal(p, end, value, q) || (q < end && !IsSeparator(*q))) {
         out.problem = p < end ? Problem::Unreadable : Problem::Missing;
         return false;
