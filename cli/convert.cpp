@@ -341,12 +341,12 @@ lines that are blank or start with # are copied as they are; text after the
 numbers is copied after the result. The order is the one users of each kind
 write:
   geographic     latitude longitude [height]  (-w: longitude latitude [height])
-                 as decimal degrees (55.7558, -37.5, 55.7558 N, 37.5W) or in
-                 the library's degrees-minutes-seconds text
-                 (055° 45' 20.88'' N, 037° 37' 03.00'' E)
+                 as decimal degrees (55.7558, -37.5, 55.7558 N, 37.5W) or
+                 degrees, minutes and seconds: 55 45 20.88 N, 55°45'20.88"N,
+                 55:45:20.88N, 55d45m20.88s N, 055° 45' 20.88'' N
   utm            [zone] easting northing [height]; the zone as in 37n or 7s,
                  needed when the system has none, and winning over it
-  gk, tm, mercator, ps
+  gk, tm, mercator, ps, ups
                  easting northing [height]
   cartesian      X Y Z
 Heights are metres; a height is written out when the line has one (always
