@@ -23,20 +23,17 @@ Result Run(const std::string& program, const std::vector<std::string>& args, con
     for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
     const pid_t pid = fork();
-    if (pid < 0) throw std::runtime_error("fork failed");
     if (pid == 0) {
         const int i = open(in.c_str(), O_RDONLY);
         const int o = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         const int e = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         if (i < 0 || o < 0 || e < 0) _exit(126);
-        dup2(i, 0);
-        dup2(o, 1);
-        dup2(e, 2);
+        if (dup2(i, 0) < 0 || dup2(o, 1) < 0 || dup2(e, 2) < 0) _exit(126);
         execv(program.c_str(), argv.data());
         _exit(127);
     }
     int wait = 0;
-    waitpid(pid, &wait, 0);
+    if (pid < 0 || waitpid(pid, &wait, 0) != pid) throw std::runtime_error("fork failed");
     return {WIFEXITED(wait) ? WEXITSTATUS(wait) : -1, mwtest::ReadFile(out), mwtest::ReadFile(err)};
 }
 
@@ -48,9 +45,9 @@ std::vector<std::vector<double>> Cct(const std::string& pipeline, const std::vec
     std::istringstream words(pipeline);
     for (std::string w; words >> w;) args.push_back(w);
     const Result r = Run(MAPWRIGHT_CCT, args, in.str());
-    if (r.status != 0) throw std::runtime_error("cct failed: " + r.err);
     std::vector<std::vector<double>> out;
     for (const std::string& line : Lines(r.out)) out.push_back(Numbers(line));
+    if (r.status != 0 || out.size() != points.size()) throw std::runtime_error("cct failed: " + r.err);
     return out;
 }
 
@@ -63,8 +60,8 @@ std::string Molodensky(const Datum& from, const Datum& to) {
 }
 
 std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
     std::istringstream s(text);
+    std::vector<std::string> lines;
     for (std::string line; std::getline(s, line);) lines.push_back(line);
     return lines;
 }
@@ -81,13 +78,10 @@ std::vector<double> Numbers(const std::string& line) {
     return numbers;
 }
 
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
+bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 double GroundDistance(double lat1, double lon1, double lat2, double lon2) {
-    // Metres per degree on WGS 84 at the mean latitude: the meridian and the
-    // parallel radii of curvature.
+    // The meridian and parallel radii of curvature at the mean latitude.
     const double a = 6378137.0, e2 = 0.00669437999014, d2r = M_PI / 180.0;
     const double phi = (lat1 + lat2) / 2 * d2r;
     const double w = std::sqrt(1 - e2 * std::sin(phi) * std::sin(phi));

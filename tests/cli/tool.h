@@ -8,12 +8,11 @@
 namespace clitest {
 
 struct Result {
-    int status = -1;  // the exit status; -1 when the child did not exit normally
+    int status = -1;  // -1 when the child did not exit normally
     std::string out, err;
 };
 
-// `program` with `args` and `input` on standard input, in this process's
-// environment (the tests isolate MAPWRIGHT_APPDIR and MAPWRIGHT_REGISTRY).
+// `program` with `args` and `input` on standard input, in this environment.
 Result Run(const std::string& program, const std::vector<std::string>& args, const std::string& input = "");
 inline Result Tool(const std::vector<std::string>& args, const std::string& input = "") {
     return Run(MAPWRIGHT_CLI, args, input);
@@ -21,8 +20,7 @@ inline Result Tool(const std::vector<std::string>& args, const std::string& inpu
 // cct on `pipeline` (a PROJ string), one "x y z" per point: each line's numbers.
 std::vector<std::vector<double>> Cct(const std::string& pipeline, const std::vector<std::vector<double>>& points);
 
-// PROJ's standard Molodensky step between two datums: ellipsoid (a, rf) and
-// shift to WGS 84 in metres.
+// PROJ's standard Molodensky step between two datums (ellipsoid, shift to WGS 84).
 struct Datum {
     double a, rf;
     int dx, dy, dz;
