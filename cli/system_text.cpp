@@ -188,27 +188,29 @@ const char* KindKeyword(int kind) {
     return kind >= Geographic && kind <= kUpsWord ? kKeywords[kind] : "";
 }
 
-SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datums) {
-    const std::vector<std::string> words = Words(text);
-    if (words.empty())
-        throw Error(std::string(Tr("empty system; expected a kind: ", "пустая система; ожидается вид: ")) + KindList());
+namespace {
 
-    SystemDef def;
-    const std::string kindWord = Lower(words[0]);
+// The kind the first word names (kUpsWord for ups).
+int ParseKind(const std::string& word) {
+    const std::string lower = Lower(word);
     for (const KindName& k : kKindNames)
-        if (kindWord == k.word) def.kind = k.kind;
-    if (def.kind == 0) {
-        std::string message = std::string(Tr("unknown kind ", "неизвестный вид ")) + Quoted(words[0]);
-        std::vector<std::string> all;
-        for (const KindName& k : kKindNames) all.push_back(k.word);
-        if (const auto near = Nearest(words[0], all, 1); !near.empty())
-            message += std::string(Tr(" (did you mean ", " (может быть, ")) + Quoted(near[0]) + "?)";
-        throw Error(message + Tr("; expected ", "; ожидается ") + KindList());
-    }
-    const char* kind = KindKeyword(def.kind);
+        if (lower == k.word) return k.kind;
+    std::string message = std::string(Tr("unknown kind ", "неизвестный вид ")) + Quoted(word);
+    std::vector<std::string> all;
+    for (const KindName& k : kKindNames) all.push_back(k.word);
+    if (const auto near = Nearest(word, all, 1); !near.empty())
+        message += std::string(Tr(" (did you mean ", " (может быть, ")) + Quoted(near[0]) + "?)";
+    throw Error(message + Tr("; expected ", "; ожидается ") + KindList());
+}
 
-    std::map<Param, std::string> given;   // parameter -> value
-    std::map<Param, std::string> wordOf;  // parameter -> the word as written
+// The parameters after the kind: each value, and each word as written for messages.
+struct Given {
+    std::map<Param, std::string> value, word;
+    bool has(Param p) const { return value.count(p) != 0; }
+};
+
+Given ParseParams(const std::vector<std::string>& words, int kind) {
+    Given given;
     for (size_t i = 1; i < words.size(); ++i) {
         const std::string& word = words[i];
         const size_t eq = word.find('=');
@@ -218,83 +220,101 @@ SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datu
             if (name == kParamNames[p]) param = p;
         for (const auto& a : kAliases)
             if (name == a.alias) param = a.param;
-        const std::vector<Param>& allowed = ParamsOf(def.kind);
         bool ok = false;
-        for (Param p : allowed) ok = ok || p == param;
+        for (Param p : ParamsOf(kind)) ok = ok || p == param;
         if (!ok)
-            throw Error(std::string(kind) + Tr(" does not take ", " не принимает ") + Quoted(word) +
-                        Tr("; expected ", "; ожидается ") + ExpectedList(def.kind));
-        const bool flag = param == kNorth || param == kSouth;
+            throw Error(std::string(KindKeyword(kind)) + Tr(" does not take ", " не принимает ") + Quoted(word) +
+                        Tr("; expected ", "; ожидается ") + ExpectedList(kind));
+        const auto p = static_cast<Param>(param);
+        const bool flag = p == kNorth || p == kSouth;
         if (flag != (eq == std::string::npos))
-            throw Error(Quoted(word) + Tr(": expected ", ": ожидается ") +
-                        ExpectedForm(static_cast<Param>(param), def.kind));
-        if (given.count(static_cast<Param>(param)))
+            throw Error(Quoted(word) + Tr(": expected ", ": ожидается ") + ExpectedForm(p, kind));
+        if (given.has(p))
             throw Error(std::string(Tr("the system gives ", "в системе дважды задан ")) + Quoted(name) +
                         Tr(" twice", ""));
-        given[static_cast<Param>(param)] = flag ? "" : word.substr(eq + 1);
-        wordOf[static_cast<Param>(param)] = word;
+        given.value[p] = flag ? "" : word.substr(eq + 1);
+        given.word[p] = word;
     }
+    return given;
+}
 
-    auto has = [&](Param p) { return given.count(p) != 0; };
-    if (has(kDatum))
-        def.datum = FindDatum(datums, given[kDatum]).index;
+// The datum and the parameters every kind reads the same way.
+void ApplyCommon(const Given& g, const std::vector<DatumEntry>& datums, SystemDef& def) {
+    if (g.has(kDatum))
+        def.datum = FindDatum(datums, g.value.at(kDatum)).index;
     else if (!DatumByIndex(datums, def.datum))
         throw Error(Tr("the default datum 3 is not in the catalog; give datum=",
                        "датума 3 (по умолчанию) нет в каталоге; укажите datum="));
-
-    if (has(kScale)) {
-        const std::optional<double> k = Number(given[kScale]);
-        if (!k || *k <= 0) BadValue(wordOf[kScale], Tr("a positive scale factor", "положительный масштаб"));
+    if (g.has(kScale)) {
+        const std::optional<double> k = Number(g.value.at(kScale));
+        if (!k || *k <= 0) BadValue(g.word.at(kScale), Tr("a positive scale factor", "положительный масштаб"));
         def.scale = *k;
     }
-    if (has(kLon0)) def.lon0 = Degrees(wordOf[kLon0], given[kLon0], -180, 180);
-    if (has(kLat0)) def.lat0 = Degrees(wordOf[kLat0], given[kLat0], -90, 90);
-    if (has(kFe)) def.fe = Metres(wordOf[kFe], given[kFe]);
-    if (has(kFn)) def.fn = Metres(wordOf[kFn], given[kFn]);
+    if (g.has(kLon0)) def.lon0 = Degrees(g.word.at(kLon0), g.value.at(kLon0), -180, 180);
+    if (g.has(kLat0)) def.lat0 = Degrees(g.word.at(kLat0), g.value.at(kLat0), -90, 90);
+    if (g.has(kFe)) def.fe = Metres(g.word.at(kFe), g.value.at(kFe));
+    if (g.has(kFn)) def.fn = Metres(g.word.at(kFn), g.value.at(kFn));
+}
 
+void ApplyGaussKruger(const Given& g, SystemDef& def) {
+    if (!g.has(kZone)) {
+        if (!g.has(kLon0))
+            throw Error(Tr("gk needs zone=1..60 or lon0=DEGREES", "для gk нужен zone=1..60 или lon0=ГРАДУСЫ"));
+        return;
+    }
+    const int zone = Zone(g.word.at(kZone), g.value.at(kZone), false);
+    if (g.has(kLon0) && def.lon0 != GkZoneMeridian(zone))
+        throw Error(Quoted(g.word.at(kZone)) + Tr(" and ", " и ") + Quoted(g.word.at(kLon0)) +
+                    Tr(" disagree: zone ", " не согласуются: меридиан зоны ") + std::to_string(zone) +
+                    Tr(" has its meridian at ", " равен ") + ShortNumber(GkZoneMeridian(zone)));
+    def.lon0 = GkZoneMeridian(zone);
+    if (!g.has(kFe)) def.fe = GkZoneFalseEasting(zone);
+}
+
+// The latitude of true scale of Mercator and polar stereographic.
+void ApplyTrueScale(const Given& g, SystemDef& def) {
+    if (def.kind == Mercator) {
+        if (!g.has(kLatTs)) return;
+        def.lat0 = Degrees(g.word.at(kLatTs), g.value.at(kLatTs), -90, 90);
+        if (std::fabs(def.lat0) == 90)
+            BadValue(g.word.at(kLatTs), Tr("a latitude between the poles", "широта между полюсами"));
+        return;
+    }
+    if (!g.has(kLatTs))
+        throw Error(Tr("ps needs lat_ts=DEGREES (positive for the north pole, negative for the south pole)",
+                       "для ps нужен lat_ts=ГРАДУСЫ (положительный у северного полюса, отрицательный у южного)"));
+    def.lat0 = Degrees(g.word.at(kLatTs), g.value.at(kLatTs), -90, 90);
+    if (def.lat0 == 0)
+        BadValue(g.word.at(kLatTs),
+                 Tr("a latitude other than 0 (its sign picks the pole)", "широта, отличная от 0 (знак выбирает полюс)"));
+}
+
+}  // namespace
+
+SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datums) {
+    const std::vector<std::string> words = Words(text);
+    if (words.empty())
+        throw Error(std::string(Tr("empty system; expected a kind: ", "пустая система; ожидается вид: ")) + KindList());
+    SystemDef def;
+    def.kind = ParseKind(words[0]);
+    const Given given = ParseParams(words, def.kind);
+    ApplyCommon(given, datums, def);
     switch (def.kind) {
         case UTM:
-            if (has(kNorth) && has(kSouth))
+            if (given.has(kNorth) && given.has(kSouth))
                 throw Error(Tr("utm takes north or south, not both", "utm принимает north или south, но не оба"));
-            def.fe = has(kSouth) ? -1 : 1;
-            def.fn = has(kZone) ? Zone(wordOf[kZone], given[kZone], true) : 0;
+            def.fe = given.has(kSouth) ? -1 : 1;
+            def.fn = given.has(kZone) ? Zone(given.word.at(kZone), given.value.at(kZone), true) : 0;
             break;
-        case GaussKruger:
-            if (has(kZone)) {
-                const int zone = Zone(wordOf[kZone], given[kZone], false);
-                if (has(kLon0) && def.lon0 != GkZoneMeridian(zone))
-                    throw Error(Quoted(wordOf[kZone]) + Tr(" and ", " и ") + Quoted(wordOf[kLon0]) +
-                                Tr(" disagree: zone ", " не согласуются: меридиан зоны ") + std::to_string(zone) +
-                                Tr(" has its meridian at ", " равен ") + ShortNumber(GkZoneMeridian(zone)));
-                def.lon0 = GkZoneMeridian(zone);
-                if (!has(kFe)) def.fe = GkZoneFalseEasting(zone);
-            } else if (!has(kLon0)) {
-                throw Error(Tr("gk needs zone=1..60 or lon0=DEGREES", "для gk нужен zone=1..60 или lon0=ГРАДУСЫ"));
-            }
-            break;
+        case GaussKruger: ApplyGaussKruger(given, def); break;
         case Mercator:
-            if (has(kLatTs)) {
-                def.lat0 = Degrees(wordOf[kLatTs], given[kLatTs], -90, 90);
-                if (std::fabs(def.lat0) == 90)
-                    BadValue(wordOf[kLatTs], Tr("a latitude between the poles", "широта между полюсами"));
-            }
-            break;
-        case PolarStereographic:
-            if (!has(kLatTs))
-                throw Error(
-                    Tr("ps needs lat_ts=DEGREES (positive for the north pole, negative for the south pole)",
-                       "для ps нужен lat_ts=ГРАДУСЫ (положительный у северного полюса, отрицательный у южного)"));
-            def.lat0 = Degrees(wordOf[kLatTs], given[kLatTs], -90, 90);
-            if (def.lat0 == 0)
-                BadValue(wordOf[kLatTs], Tr("a latitude other than 0 (its sign picks the pole)",
-                                            "широта, отличная от 0 (знак выбирает полюс)"));
-            break;
+        case PolarStereographic: ApplyTrueScale(given, def); break;
         case kUpsWord:
-            if (has(kNorth) == has(kSouth))
+            if (given.has(kNorth) == given.has(kSouth))
                 throw Error(Tr("ups takes north or south", "ups принимает north или south"));
             def = SystemDef{.kind = PolarStereographic,
                             .datum = def.datum,
-                            .lat0 = has(kSouth) ? -90.0 : 90.0,
+                            .lat0 = given.has(kSouth) ? -90.0 : 90.0,
                             .fe = kUpsFalseOrigin,
                             .fn = kUpsFalseOrigin,
                             .ups = true};
