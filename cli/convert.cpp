@@ -336,7 +336,7 @@ uint64_t TotalSize(const std::vector<Input>& inputs) {
 }  // namespace
 
 const char* InputOrderHelp() {
-    return R"(Input: one point a line, its numbers separated by blanks, tabs or a comma;
+    return Tr(R"(Input: one point a line, its numbers separated by blanks, tabs or a comma;
 lines that are blank or start with # are copied as they are; text after the
 numbers is copied after the result. The order is the one users of each kind
 write:
@@ -366,7 +366,38 @@ A line that cannot be read, or a point the destination refuses, is reported
 on standard error with its line number, and its output line is * for each
 column so that the lines stay aligned; the rest is still converted and the
 exit status is 1. More than 100000 lines show a progress line when standard
-error is a terminal.)";
+error is a terminal.)",
+              R"(Ввод: одна точка в строке, числа разделены пробелами, табуляцией или
+запятой; пустые строки и строки, начинающиеся с #, копируются как есть; текст
+после чисел копируется после результата. Порядок тот, в каком пишут
+пользователи каждого вида:
+  geographic     широта долгота [высота]  (-w: долгота широта [высота])
+                 в десятичных градусах (55.7558, -37.5, 55.7558 N, 37.5W) или
+                 в градусах, минутах и секундах: 55 45 20.88 N, 55°45'20.88"N,
+                 55:45:20.88N, 55d45m20.88s N, 055° 45' 20.88'' N
+  utm            [зона] восточная северная [высота]; зона вида 37n или 7s
+                 нужна, если её нет в системе, и важнее неё
+  gk, tm, mercator, ps, ups
+                 восточная северная [высота]
+  cartesian      X Y Z
+Высоты в метрах; высота выводится, если она есть в строке (для cartesian
+всегда).
+
+Вывод (--format):
+  numbers  числа в том же порядке, метры с --precision знаками, градусы
+           с 5 знаками больше (по умолчанию)
+  fields   текст библиотеки для каждого поля: 055.7558000 N, 413000.00
+  dms      то же в градусах, минутах и секундах: 055° 45' 20.88'' N
+  line     строка библиотеки для точки:
+           6182000.00, 413000.00 (UTM, UTM Zone  37 / WGS 84)
+Для UTM без зоны строка начинается с выбранной зоны, например 37n. fields и
+dms разделяют поля табуляцией.
+
+Строка, которую нельзя прочитать, или точка, которую конечная система
+отвергает, сообщается в стандартный поток ошибок с номером строки, а на её
+месте выводится * для каждого столбца; остальное преобразуется, код выхода 1.
+Больше 100000 строк показывают строку хода работы, если поток ошибок —
+терминал.)");
 }
 
 int RunConvert(const ConvertOptions& options) {

@@ -15,7 +15,9 @@
 
 namespace {
 
-constexpr char kEnvironmentHelp[] = R"(Environment:
+// The environment and the exit statuses, for the top-level help.
+const char* EnvironmentHelp() {
+    return mwcli::Tr(R"(Environment:
   MAPWRIGHT_APPDIR    the directory whose "Auxiliary Data" holds datum.ini and
                       ellips.ini (default ~/.local/share/mapwright, seeded
                       with the shipped catalogs)
@@ -24,7 +26,19 @@ constexpr char kEnvironmentHelp[] = R"(Environment:
   MAPWRIGHT_UI_LANG   en or ru, as --lang (default from LC_ALL, LC_MESSAGES,
                       LANG)
 Exit status: 0 done; 1 some input could not be converted; 2 the command could
-not run (bad option or system, unknown key, unwritable file).)";
+not run (bad option or system, unknown key, missing input, unwritable file).)",
+                     R"(Окружение:
+  MAPWRIGHT_APPDIR    каталог, в чьём "Auxiliary Data" лежат datum.ini и
+                      ellips.ini (по умолчанию ~/.local/share/mapwright,
+                      заполняется поставляемыми каталогами)
+  MAPWRIGHT_REGISTRY  файл реестра сохранённых систем
+                      (по умолчанию ~/.config/mapwright/registry.sqlite3)
+  MAPWRIGHT_UI_LANG   en или ru, как --lang (по умолчанию из LC_ALL,
+                      LC_MESSAGES, LANG)
+Код выхода: 0 готово; 1 часть ввода не преобразована; 2 команда не выполнена
+(неверный параметр или система, неизвестный ключ, файл не открыт или не
+записан).)");
+}
 
 constexpr char kKeyHelp[] =
     R"(KEY is a registry path below HKEY_CURRENT_USER, levels separated by a
@@ -80,7 +94,7 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({"en", "ru"}));
     app.footer(std::string(Tr("Run \"mapwright COMMAND --help\" for each command; \"man mapwright\" for all.\n\n",
                               "Справка по команде: \"mapwright КОМАНДА --help\"; всё: \"man mapwright\".\n\n")) +
-               kEnvironmentHelp);
+               EnvironmentHelp());
 
     // convert
     ConvertOptions co;
