@@ -40,17 +40,27 @@ not run (bad option or system, unknown key, missing input, unwritable file).)",
 записан).)");
 }
 
-constexpr char kKeyHelp[] =
-    R"(KEY is a registry path below HKEY_CURRENT_USER, levels separated by a
+const char* KeyHelp() {
+    return mwcli::Tr(R"(KEY is a registry path below HKEY_CURRENT_USER, levels separated by a
 backslash or "/", for example Software/Mapwright/gk7. The registry keeps the
 kind, the datum index and the parameters (as the library's SaveData writes
-them: six decimals, no scale for Gauss-Kruger).)";
+them: six decimals, no scale for Gauss-Kruger).)",
+                     R"(KEY — путь в реестре под HKEY_CURRENT_USER, уровни разделены обратной
+косой чертой или "/", например Software/Mapwright/gk7. В реестре хранятся вид,
+номер датума и параметры (как их пишет SaveData библиотеки: шесть знаков после
+точки, без масштаба для Гаусса-Крюгера).)");
+}
 
-constexpr char kBaseHelp[] =
-    R"(BASE is a registry path below HKEY_CURRENT_USER, levels separated by a
+const char* BaseHelp() {
+    return mwcli::Tr(R"(BASE is a registry path below HKEY_CURRENT_USER, levels separated by a
 backslash or "/", for example Software/Mapwright/gcp; the source system is
 kept under BASE\GeoData_fm and the destination under BASE\GeoData_to, as the
-library's CGeoTransform::SaveData writes them.)";
+library's CGeoTransform::SaveData writes them.)",
+                     R"(BASE — путь в реестре под HKEY_CURRENT_USER, уровни разделены обратной
+косой чертой или "/", например Software/Mapwright/gcp; исходная система
+хранится под BASE\GeoData_fm, конечная под BASE\GeoData_to, как их пишет
+CGeoTransform::SaveData библиотеки.)");
+}
 
 }  // namespace
 
@@ -116,8 +126,10 @@ int main(int argc, char** argv) {
     convert->add_flag("--line-height", co.lineHeight, Tr("With --format line: start the line with the height", "С --format line: начинать строку с высоты"));
     convert->add_option("-o,--output", co.output, Tr("Write to FILE instead of standard output", "Писать в FILE вместо стандартного вывода"))->type_name("FILE");
     convert->add_option("FILE", co.files, Tr("Input files; none or - read standard input", "Входные файлы; без них или - читается стандартный ввод"));
-    convert->footer(std::string("Give the source with --from, --from-key or --pair, and the destination with\n"
-                                "--to, --to-key or --pair.\n\n") +
+    convert->footer(std::string(Tr("Give the source with --from, --from-key or --pair, and the destination with\n"
+                                   "--to, --to-key or --pair.\n\n",
+                                   "Исходная система задаётся --from, --from-key или --pair, конечная --to,\n"
+                                   "--to-key или --pair.\n\n")) +
                     SystemSyntaxHelp() + "\n\n" + InputOrderHelp() +
                     "\n\nExample:\n  echo '7413000 6180500 150' | mapwright convert \\\n"
                     "      --from 'gk zone=7 datum=\"Pulkovo 1942\"' --to 'utm zone=37 datum=\"WGS 84\"'");
@@ -166,13 +178,13 @@ int main(int argc, char** argv) {
     systemSave->add_option("KEY", key, Tr("The registry key", "Ключ реестра"))->required();
     systemSave->add_option("SYSTEM", systemText, Tr("The system, in the SYSTEM syntax", "Система в синтаксисе SYSTEM"))->required();
     systemSave->footer(
-        std::string(kKeyHelp) + "\n\n" + SystemSyntaxHelp() +
+        std::string(KeyHelp()) + "\n\n" + SystemSyntaxHelp() +
         "\n\nExample:\n  mapwright system save Software/Mapwright/gk7 'gk zone=7 datum=\"Pulkovo 1942\"'");
     CLI::App* systemShow = system->add_subcommand(
         "show", Tr("Show the system saved under KEY: projection, parameters, datum, ellipsoid, SYSTEM text",
                    "Показать систему под KEY: проекция, параметры, датум, эллипсоид, текст SYSTEM"));
     systemShow->add_option("KEY", key, Tr("The registry key", "Ключ реестра"))->required();
-    systemShow->footer(std::string(kKeyHelp) +
+    systemShow->footer(std::string(KeyHelp()) +
                        "\n\nExample:\n  mapwright --lang ru system show Software/Mapwright/gk7");
 
     std::string listBase;
@@ -187,7 +199,7 @@ int main(int argc, char** argv) {
     pairSave->add_option("BASE", key, Tr("The registry key of the pair", "Ключ реестра пары"))->required();
     pairSave->add_option("--from", from, "The source system")->required()->type_name("SYSTEM");
     pairSave->add_option("--to", to, Tr("The destination system", "Конечная система"))->required()->type_name("SYSTEM");
-    pairSave->footer(std::string(kBaseHelp) + "\n\n" + SystemSyntaxHelp() +
+    pairSave->footer(std::string(BaseHelp()) + "\n\n" + SystemSyntaxHelp() +
                      "\n\nExample:\n  mapwright pair save Software/Mapwright/gcp --from 'gk zone=7 datum=4' \\\n"
                      "      --to 'utm zone=37 datum=3'\n  mapwright convert --pair Software/Mapwright/gcp points.txt");
     CLI::App* pairList = pair->add_subcommand("list", Tr("List the pairs saved at or below BASE (all by default)", "Пары, сохранённые под BASE и ниже (по умолчанию все)"));
@@ -195,7 +207,7 @@ int main(int argc, char** argv) {
     pairList->footer("Example:\n  mapwright pair list");
     CLI::App* pairShow = pair->add_subcommand("show", Tr("Show the pair saved under BASE", "Показать пару, сохранённую под BASE"));
     pairShow->add_option("BASE", key, Tr("The registry key of the pair", "Ключ реестра пары"))->required();
-    pairShow->footer(std::string(kBaseHelp) + "\n\nExample:\n  mapwright pair show Software/Mapwright/gcp");
+    pairShow->footer(std::string(BaseHelp()) + "\n\nExample:\n  mapwright pair show Software/Mapwright/gcp");
 
     // Every command's list of subcommands under a heading in the language.
     std::vector<CLI::App*> commands = {&app};

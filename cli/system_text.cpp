@@ -526,13 +526,14 @@ void LoadPair(std::string_view typedBase, CGeoTransform& out) {
 }
 
 const char* SystemSyntaxHelp() {
-    return R"(SYSTEM is one argument (quote it for the shell): a kind, then its parameters
+    return Tr(R"(SYSTEM is one argument (quote it for the shell): a kind, then its parameters
 separated by blanks:
 
   geographic [datum=D]                        latitude and longitude
   utm [zone=1..60|auto] [north|south] [datum=D]
                                               zone=auto (the default): each
-                                              point's own zone
+                                              point's own zone; south: false
+                                              northing 10000000 m
   gk (zone=1..60 | lon0=DEG) [lat0=DEG] [fe=M] [fn=M] [datum=D]
                                               Gauss-Kruger (scale 1); zone=N
                                               means lon0=6N-3 and
@@ -560,7 +561,43 @@ Examples:
   'utm zone=37 north datum="Pulkovo 1942"'
   'gk zone=7 datum="Pulkovo 1942"'
   'tm k=0.9996 lon0=39 fe=500000 datum=3'
-  'geographic datum="WGS 84"')";
+  'geographic datum="WGS 84"')",
+              R"(SYSTEM — один аргумент (в кавычках для оболочки): вид, затем его параметры
+через пробел:
+
+  geographic [datum=D]                        широта и долгота
+  utm [zone=1..60|auto] [north|south] [datum=D]
+                                              zone=auto (по умолчанию): своя
+                                              зона каждой точки; south: ложный
+                                              сдвиг на север 10000000 м
+  gk (zone=1..60 | lon0=DEG) [lat0=DEG] [fe=M] [fn=M] [datum=D]
+                                              Гаусса-Крюгера (масштаб 1);
+                                              zone=N значит lon0=6N-3 и
+                                              fe=N*1000000+500000
+  tm [k=SCALE] [lon0=DEG] [lat0=DEG] [fe=M] [fn=M] [datum=D]
+                                              поперечная Меркатора
+  mercator [lon0=DEG] [lat_ts=DEG] [fe=M] [fn=M] [datum=D]
+  ps lat_ts=DEG [lon0=DEG] [fe=M] [fn=M] [datum=D]
+                                              полярная стереографическая; знак
+                                              lat_ts выбирает полюс, lon0 —
+                                              долгота под полюсом
+  ups north|south [datum=D]                   универсальная полярная
+                                              стереографическая: масштаб 0.994
+                                              на полюсе, сдвиги 2000000
+  cartesian [datum=D]                         геоцентрические X, Y, Z
+
+D — номер в каталоге или название датума, как их показывает "mapwright
+datums", например datum=4 или datum="Pulkovo 1942"; по умолчанию 3 (WGS 84 в
+поставляемом каталоге). DEG — десятичные градусы, M — целые метры; не
+заданное равно 0 (k равно 1). Понимаются также geo, latlon, gauss-kruger,
+tmerc, transverse-mercator, merc, stere, polar-stereographic, geocentric, ecef
+и написания PROJ lon_0, lat_0, k_0, x_0, y_0.
+
+Примеры:
+  'utm zone=37 north datum="Pulkovo 1942"'
+  'gk zone=7 datum="Pulkovo 1942"'
+  'tm k=0.9996 lon0=39 fe=500000 datum=3'
+  'geographic datum="WGS 84"')");
 }
 
 }  // namespace mwcli
