@@ -310,4 +310,96 @@ int ShowPair(const std::string& base) {
     return 0;
 }
 
+namespace {
+
+// The direct subkeys of `path` (the library's form, "" for the root).
+std::vector<std::string> SubKeys(const std::string& path) {
+    std::vector<std::string> names;
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return names;
+    std::vector<char> name(256);
+    for (DWORD i = 0;;) {
+        DWORD size = static_cast<DWORD>(name.size());
+        const LONG rc = RegEnumKeyExA(key, i, name.data(), &size, nullptr, nullptr, nullptr, nullptr);
+        if (rc == ERROR_MORE_DATA && name.size() < 65536) {
+            name.resize(name.size() * 4);
+            continue;
+        }
+        if (rc != ERROR_SUCCESS) break;
+        names.emplace_back(name.data(), size);
+        ++i;
+    }
+    RegCloseKey(key);
+    return names;
+}
+
+bool HoldsSystem(const std::string& path) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+    DWORD size = 0;
+    const bool found = RegQueryValueExA(key, "ProjectionIndex", nullptr, nullptr, nullptr, &size) == ERROR_SUCCESS;
+    RegCloseKey(key);
+    return found;
+}
+
+// `path` and every key below it, parents first.
+void EveryKey(const std::string& path, std::vector<std::string>& out) {
+    out.push_back(path);
+    for (const std::string& child : SubKeys(path)) EveryKey(path.empty() ? child : path + "\\" + child, out);
+}
+
+// A key as the user types it: UTF-8, levels separated by "/".
+std::string Typed(const std::string& path) {
+    std::string typed = Utf8(path.c_str());
+    std::replace(typed.begin(), typed.end(), '\\', '/');
+    return typed;
+}
+
+bool IsPairHalf(const std::string& path) {
+    const size_t slash = path.rfind('\\');
+    std::string last = path.substr(slash == std::string::npos ? 0 : slash + 1);
+    for (char& c : last) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
+    return last == "geodata_fm" || last == "geodata_to";
+}
+
+// The SYSTEM text of the system saved under `path`, or why it cannot be read.
+std::string SavedText(const std::string& path, const std::vector<DatumEntry>& datums) {
+    try {
+        CGeoReferenceData record;
+        LoadSystem(Typed(path), record);
+        return SystemText(DefOf(record), datums);
+    } catch (const Error& e) {
+        return std::string("(") + e.what() + ")";
+    }
+}
+
+std::vector<std::string> KeysBelow(const std::string& base) {
+    const std::string root = base.empty() ? "" : RegistryPath(base);
+    if (!root.empty() && !RegistryKeyExists(root)) return {};
+    std::vector<std::string> keys;
+    EveryKey(root, keys);
+    return keys;
+}
+
+}  // namespace
+
+int ListSystems(const std::string& base) {
+    const std::vector<DatumEntry> datums = ReadDatums();
+    for (const std::string& path : KeysBelow(base))
+        if (!path.empty() && !IsPairHalf(path) && HoldsSystem(path))
+            Print(Typed(path) + ": " + SavedText(path, datums) + "\n");
+    return 0;
+}
+
+int ListPairs(const std::string& base) {
+    const std::vector<DatumEntry> datums = ReadDatums();
+    for (const std::string& path : KeysBelow(base)) {
+        const std::string prefix = path.empty() ? "" : path + "\\";
+        if (HoldsSystem(prefix + "GeoData_fm") && HoldsSystem(prefix + "GeoData_to"))
+            Print(Typed(path) + ": " + SavedText(prefix + "GeoData_fm", datums) + " -> " +
+                  SavedText(prefix + "GeoData_to", datums) + "\n");
+    }
+    return 0;
+}
+
 }  // namespace mwcli

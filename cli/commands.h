@@ -22,6 +22,10 @@ int SaveSystem(const std::string& key, const std::string& system);
 int ShowSystem(const std::string& key);
 int SavePair(const std::string& base, const std::string& from, const std::string& to);
 int ShowPair(const std::string& base);
+// Every saved system (pair) at or below the key `base` ("" for all), with
+// its SYSTEM text, in the registry's order.
+int ListSystems(const std::string& base);
+int ListPairs(const std::string& base);
 
 }  // namespace mwcli
 

@@ -14,6 +14,7 @@ struct ConvertOptions {
     // The destination, the same ways.
     std::string to, toKey;
     std::string pair;
+    bool reverse = false;            // -I: the destination is the source and back
     int precision = 3;               // decimals of metres; degrees get 5 more
     std::string format = "numbers";  // numbers, fields, dms or line
     bool lonFirst = false;           // geographic: longitude before latitude

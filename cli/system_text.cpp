@@ -6,11 +6,16 @@
 #include <map>
 #include <optional>
 
+#include "refsys/kinds.h"
 #include "text.h"
 
 namespace mwcli {
 
 namespace {
+
+// UPS is polar stereographic with fixed parameters: a kind of the tool only.
+constexpr int kUpsWord = 8;
+constexpr int32_t kUpsFalseOrigin = 2000000;
 
 struct KindName {
     const char* word;
@@ -32,6 +37,7 @@ constexpr KindName kKindNames[] = {
     {"ps", PolarStereographic},
     {"stere", PolarStereographic},
     {"polar-stereographic", PolarStereographic},
+    {"ups", kUpsWord},
     {"cartesian", Cartesian},
     {"geocentric", Cartesian},
     {"ecef", Cartesian},
@@ -50,7 +56,7 @@ constexpr struct {
 
 // What each kind takes, in the order the help and the messages give them.
 const std::vector<Param>& ParamsOf(int kind) {
-    static const std::vector<Param> kTable[8] = {
+    static const std::vector<Param> kTable[9] = {
         {},
         {kDatum},
         {kZone, kNorth, kSouth, kDatum},
@@ -59,6 +65,7 @@ const std::vector<Param>& ParamsOf(int kind) {
         {kLon0, kLatTs, kFe, kFn, kDatum},
         {kLatTs, kLon0, kFe, kFn, kDatum},
         {kDatum},
+        {kNorth, kSouth, kDatum},
     };
     return kTable[kind];
 }
@@ -88,6 +95,7 @@ std::string ExpectedList(int kind) {
 std::string KindList() {
     std::vector<std::string> words;
     for (int k = Geographic; k <= Cartesian; ++k) words.push_back(KindKeyword(k));
+    words.insert(words.end() - 1, "ups");
     return JoinAlternatives(words);
 }
 
@@ -175,31 +183,34 @@ int32_t GkZoneFalseEasting(int zone) {
 }  // namespace
 
 const char* KindKeyword(int kind) {
-    static const char* const kKeywords[8] = {"", "geographic", "utm", "gk", "tm", "mercator", "ps", "cartesian"};
-    return kind >= Geographic && kind <= Cartesian ? kKeywords[kind] : "";
+    static const char* const kKeywords[9] = {"",   "geographic", "utm",       "gk", "tm",
+                                             "mercator", "ps",         "cartesian", "ups"};
+    return kind >= Geographic && kind <= kUpsWord ? kKeywords[kind] : "";
 }
 
-SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datums) {
-    const std::vector<std::string> words = Words(text);
-    if (words.empty())
-        throw Error(std::string(Tr("empty system; expected a kind: ", "пустая система; ожидается вид: ")) + KindList());
+namespace {
 
-    SystemDef def;
-    const std::string kindWord = Lower(words[0]);
+// The kind the first word names (kUpsWord for ups).
+int ParseKind(const std::string& word) {
+    const std::string lower = Lower(word);
     for (const KindName& k : kKindNames)
-        if (kindWord == k.word) def.kind = k.kind;
-    if (def.kind == 0) {
-        std::string message = std::string(Tr("unknown kind ", "неизвестный вид ")) + Quoted(words[0]);
-        std::vector<std::string> all;
-        for (const KindName& k : kKindNames) all.push_back(k.word);
-        if (const auto near = Nearest(words[0], all, 1); !near.empty())
-            message += std::string(Tr(" (did you mean ", " (может быть, ")) + Quoted(near[0]) + "?)";
-        throw Error(message + Tr("; expected ", "; ожидается ") + KindList());
-    }
-    const char* kind = KindKeyword(def.kind);
+        if (lower == k.word) return k.kind;
+    std::string message = std::string(Tr("unknown kind ", "неизвестный вид ")) + Quoted(word);
+    std::vector<std::string> all;
+    for (const KindName& k : kKindNames) all.push_back(k.word);
+    if (const auto near = Nearest(word, all, 1); !near.empty())
+        message += std::string(Tr(" (did you mean ", " (может быть, ")) + Quoted(near[0]) + "?)";
+    throw Error(message + Tr("; expected ", "; ожидается ") + KindList());
+}
 
-    std::map<Param, std::string> given;   // parameter -> value
-    std::map<Param, std::string> wordOf;  // parameter -> the word as written
+// The parameters after the kind: each value, and each word as written for messages.
+struct Given {
+    std::map<Param, std::string> value, word;
+    bool has(Param p) const { return value.count(p) != 0; }
+};
+
+Given ParseParams(const std::vector<std::string>& words, int kind) {
+    Given given;
     for (size_t i = 1; i < words.size(); ++i) {
         const std::string& word = words[i];
         const size_t eq = word.find('=');
@@ -209,92 +220,150 @@ SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datu
             if (name == kParamNames[p]) param = p;
         for (const auto& a : kAliases)
             if (name == a.alias) param = a.param;
-        const std::vector<Param>& allowed = ParamsOf(def.kind);
         bool ok = false;
-        for (Param p : allowed) ok = ok || p == param;
+        for (Param p : ParamsOf(kind)) ok = ok || p == param;
         if (!ok)
-            throw Error(std::string(kind) + Tr(" does not take ", " не принимает ") + Quoted(word) +
-                        Tr("; expected ", "; ожидается ") + ExpectedList(def.kind));
-        const bool flag = param == kNorth || param == kSouth;
+            throw Error(std::string(KindKeyword(kind)) + Tr(" does not take ", " не принимает ") + Quoted(word) +
+                        Tr("; expected ", "; ожидается ") + ExpectedList(kind));
+        const auto p = static_cast<Param>(param);
+        const bool flag = p == kNorth || p == kSouth;
         if (flag != (eq == std::string::npos))
-            throw Error(Quoted(word) + Tr(": expected ", ": ожидается ") +
-                        ExpectedForm(static_cast<Param>(param), def.kind));
-        if (given.count(static_cast<Param>(param)))
+            throw Error(Quoted(word) + Tr(": expected ", ": ожидается ") + ExpectedForm(p, kind));
+        if (given.has(p))
             throw Error(std::string(Tr("the system gives ", "в системе дважды задан ")) + Quoted(name) +
                         Tr(" twice", ""));
-        given[static_cast<Param>(param)] = flag ? "" : word.substr(eq + 1);
-        wordOf[static_cast<Param>(param)] = word;
+        given.value[p] = flag ? "" : word.substr(eq + 1);
+        given.word[p] = word;
     }
+    return given;
+}
 
-    auto has = [&](Param p) { return given.count(p) != 0; };
-    if (has(kDatum))
-        def.datum = FindDatum(datums, given[kDatum]).index;
+// The datum and the parameters every kind reads the same way.
+void ApplyCommon(const Given& g, const std::vector<DatumEntry>& datums, SystemDef& def) {
+    if (g.has(kDatum))
+        def.datum = FindDatum(datums, g.value.at(kDatum)).index;
     else if (!DatumByIndex(datums, def.datum))
         throw Error(Tr("the default datum 3 is not in the catalog; give datum=",
                        "датума 3 (по умолчанию) нет в каталоге; укажите datum="));
-
-    if (has(kScale)) {
-        const std::optional<double> k = Number(given[kScale]);
-        if (!k || *k <= 0) BadValue(wordOf[kScale], Tr("a positive scale factor", "положительный масштаб"));
+    if (g.has(kScale)) {
+        const std::optional<double> k = Number(g.value.at(kScale));
+        if (!k || *k <= 0) BadValue(g.word.at(kScale), Tr("a positive scale factor", "положительный масштаб"));
         def.scale = *k;
     }
-    if (has(kLon0)) def.lon0 = Degrees(wordOf[kLon0], given[kLon0], -180, 180);
-    if (has(kLat0)) def.lat0 = Degrees(wordOf[kLat0], given[kLat0], -90, 90);
-    if (has(kFe)) def.fe = Metres(wordOf[kFe], given[kFe]);
-    if (has(kFn)) def.fn = Metres(wordOf[kFn], given[kFn]);
+    if (g.has(kLon0)) def.lon0 = Degrees(g.word.at(kLon0), g.value.at(kLon0), -180, 180);
+    if (g.has(kLat0)) def.lat0 = Degrees(g.word.at(kLat0), g.value.at(kLat0), -90, 90);
+    if (g.has(kFe)) def.fe = Metres(g.word.at(kFe), g.value.at(kFe));
+    if (g.has(kFn)) def.fn = Metres(g.word.at(kFn), g.value.at(kFn));
+}
 
+void ApplyGaussKruger(const Given& g, SystemDef& def) {
+    if (!g.has(kZone)) {
+        if (!g.has(kLon0))
+            throw Error(Tr("gk needs zone=1..60 or lon0=DEGREES", "для gk нужен zone=1..60 или lon0=ГРАДУСЫ"));
+        return;
+    }
+    const int zone = Zone(g.word.at(kZone), g.value.at(kZone), false);
+    if (g.has(kLon0) && def.lon0 != GkZoneMeridian(zone))
+        throw Error(Quoted(g.word.at(kZone)) + Tr(" and ", " и ") + Quoted(g.word.at(kLon0)) +
+                    Tr(" disagree: zone ", " не согласуются: меридиан зоны ") + std::to_string(zone) +
+                    Tr(" has its meridian at ", " равен ") + ShortNumber(GkZoneMeridian(zone)));
+    def.lon0 = GkZoneMeridian(zone);
+    if (!g.has(kFe)) def.fe = GkZoneFalseEasting(zone);
+}
+
+// The latitude of true scale of Mercator and polar stereographic.
+void ApplyTrueScale(const Given& g, SystemDef& def) {
+    if (def.kind == Mercator) {
+        if (!g.has(kLatTs)) return;
+        def.lat0 = Degrees(g.word.at(kLatTs), g.value.at(kLatTs), -90, 90);
+        if (std::fabs(def.lat0) == 90)
+            BadValue(g.word.at(kLatTs), Tr("a latitude between the poles", "широта между полюсами"));
+        return;
+    }
+    if (!g.has(kLatTs))
+        throw Error(Tr("ps needs lat_ts=DEGREES (positive for the north pole, negative for the south pole)",
+                       "для ps нужен lat_ts=ГРАДУСЫ (положительный у северного полюса, отрицательный у южного)"));
+    def.lat0 = Degrees(g.word.at(kLatTs), g.value.at(kLatTs), -90, 90);
+    if (def.lat0 == 0)
+        BadValue(g.word.at(kLatTs),
+                 Tr("a latitude other than 0 (its sign picks the pole)", "широта, отличная от 0 (знак выбирает полюс)"));
+}
+
+}  // namespace
+
+SystemDef ParseSystem(std::string_view text, const std::vector<DatumEntry>& datums) {
+    const std::vector<std::string> words = Words(text);
+    if (words.empty())
+        throw Error(std::string(Tr("empty system; expected a kind: ", "пустая система; ожидается вид: ")) + KindList());
+    SystemDef def;
+    def.kind = ParseKind(words[0]);
+    const Given given = ParseParams(words, def.kind);
+    ApplyCommon(given, datums, def);
     switch (def.kind) {
         case UTM:
-            if (has(kNorth) && has(kSouth))
+            if (given.has(kNorth) && given.has(kSouth))
                 throw Error(Tr("utm takes north or south, not both", "utm принимает north или south, но не оба"));
-            def.fe = has(kSouth) ? -1 : 1;
-            def.fn = has(kZone) ? Zone(wordOf[kZone], given[kZone], true) : 0;
+            def.fe = given.has(kSouth) ? -1 : 1;
+            def.fn = given.has(kZone) ? Zone(given.word.at(kZone), given.value.at(kZone), true) : 0;
             break;
-        case GaussKruger:
-            if (has(kZone)) {
-                const int zone = Zone(wordOf[kZone], given[kZone], false);
-                if (has(kLon0) && def.lon0 != GkZoneMeridian(zone))
-                    throw Error(Quoted(wordOf[kZone]) + Tr(" and ", " и ") + Quoted(wordOf[kLon0]) +
-                                Tr(" disagree: zone ", " не согласуются: меридиан зоны ") + std::to_string(zone) +
-                                Tr(" has its meridian at ", " равен ") + ShortNumber(GkZoneMeridian(zone)));
-                def.lon0 = GkZoneMeridian(zone);
-                if (!has(kFe)) def.fe = GkZoneFalseEasting(zone);
-            } else if (!has(kLon0)) {
-                throw Error(Tr("gk needs zone=1..60 or lon0=DEGREES", "для gk нужен zone=1..60 или lon0=ГРАДУСЫ"));
-            }
-            break;
+        case GaussKruger: ApplyGaussKruger(given, def); break;
         case Mercator:
-            if (has(kLatTs)) {
-                def.lat0 = Degrees(wordOf[kLatTs], given[kLatTs], -90, 90);
-                if (std::fabs(def.lat0) == 90)
-                    BadValue(wordOf[kLatTs], Tr("a latitude between the poles", "широта между полюсами"));
-            }
-            break;
-        case PolarStereographic:
-            if (!has(kLatTs))
-                throw Error(
-                    Tr("ps needs lat_ts=DEGREES (positive for the north pole, negative for the south pole)",
-                       "для ps нужен lat_ts=ГРАДУСЫ (положительный у северного полюса, отрицательный у южного)"));
-            def.lat0 = Degrees(wordOf[kLatTs], given[kLatTs], -90, 90);
-            if (def.lat0 == 0)
-                BadValue(wordOf[kLatTs], Tr("a latitude other than 0 (its sign picks the pole)",
-                                            "широта, отличная от 0 (знак выбирает полюс)"));
+        case PolarStereographic: ApplyTrueScale(given, def); break;
+        case kUpsWord:
+            if (given.has(kNorth) == given.has(kSouth))
+                throw Error(Tr("ups takes north or south", "ups принимает north или south"));
+            def = SystemDef{.kind = PolarStereographic,
+                            .datum = def.datum,
+                            .lat0 = given.has(kSouth) ? -90.0 : 90.0,
+                            .fe = kUpsFalseOrigin,
+                            .fn = kUpsFalseOrigin,
+                            .ups = true};
             break;
         default: break;
     }
     return def;
 }
 
+double UpsLatitudeOfTrueScale(double e2) {
+    // The library's scale at the pole for a latitude of true scale phi:
+    // m(phi) / t(phi) * sqrt((1+e)^(1+e) (1-e)^(1-e)) / 2, rising to 1 at the
+    // pole; bisection finds where it is 0.994.
+    const double e = std::sqrt(e2), halfPi = 1.5707963267948966;
+    const double c = std::sqrt(std::pow(1 + e, 1 + e) * std::pow(1 - e, 1 - e)) / 2;
+    auto scale = [&](double phi) {
+        const double s = std::sin(phi);
+        const double t = std::pow((1 + e * s) / (1 - e * s), e / 2) * std::tan((halfPi - phi) / 2);
+        return std::cos(phi) / std::sqrt(1 - e2 * s * s) / t * c;
+    };
+    double lo = 1.0, hi = halfPi;
+    for (int i = 0; i < 200 && hi - lo > 1e-16; ++i) (scale((lo + hi) / 2) < 0.994 ? lo : hi) = (lo + hi) / 2;
+    return (lo + hi) / 2 * 57.29577951308232;
+}
+
+namespace {
+
+double EccentricitySquared(CGeoReferenceData& system) {
+    double ellipsoid[2];
+    short values[6];
+    system.GetGeoInfoA(ellipsoid, values);
+    const double f = ellipsoid[1] > 0 ? 1 / ellipsoid[1] : 0;
+    return (2 - f) * f;
+}
+
+}  // namespace
+
 void MakeSystem(const SystemDef& def, CGeoReferenceData& out) {
     out.CreateGeoInfo(def.kind, def.datum);
     void* block = out.GetParam();
     if (!block) throw Error("no parameter block");  // CreateGeoInfo refused the kind: a bug of ours
-    if (def.kind == GaussKruger || def.kind == TransverseMercator) {
-        const ScaledProjectionParam p{def.kind == GaussKruger ? 1.0 : def.scale, def.lon0, def.lat0, def.fe, def.fn};
-        std::memcpy(block, &p, sizeof p);
-    } else if (def.kind != Geographic && def.kind != Cartesian) {
-        const ProjectionParam p{def.lon0, def.lat0, def.fe, def.fn};
-        std::memcpy(block, &p, sizeof p);
+    if (mw::TakesParams(def.kind)) {
+        mw::BlockParams p{.scale = def.kind == GaussKruger ? 1.0 : def.scale,
+                          .c_lon = def.lon0,
+                          .lat_origin = def.lat0,
+                          .fe = def.fe,
+                          .fn = def.fn};
+        if (def.ups) p.lat_origin = std::copysign(UpsLatitudeOfTrueScale(EccentricitySquared(out)), def.lat0);
+        mw::WriteBlock(def.kind, p, block);
     }
     CheckCatalogEntries(out, "");
 }
@@ -304,25 +373,17 @@ SystemDef DefOf(CGeoReferenceData& system) {
     def.kind = system.GetProjection();
     def.datum = system.GetDatum();
     const void* block = system.GetParam();
-    if (!block) return def;
-    if (def.kind == GaussKruger || def.kind == TransverseMercator) {
-        ScaledProjectionParam p;
-        std::memcpy(&p, block, sizeof p);
-        def.scale = def.kind == GaussKruger ? 1.0 : p.scale;
-        def.lon0 = p.c_lon;
-        def.lat0 = p.lat_origin;
-        def.fe = p.fe;
-        def.fn = p.fn;
-    } else if (def.kind != Geographic && def.kind != Cartesian) {
-        ProjectionParam p;
-        std::memcpy(&p, block, sizeof p);
-        def.lon0 = p.c_lon;
-        def.lat0 = p.lat_origin;
-        def.fe = p.fe;
-        def.fn = p.fn;
-        // The engine reads every hemisphere flag but -1 as north.
-        if (def.kind == UTM && def.fe != -1) def.fe = 1;
-    }
+    if (!block || !mw::TakesParams(def.kind)) return def;
+    const mw::BlockParams p = mw::ReadBlock(def.kind, block);
+    def.scale = p.ScaleFor(def.kind);
+    def.lon0 = p.c_lon;
+    def.lat0 = p.lat_origin;
+    def.fe = def.kind == UTM ? (p.UtmSouth() ? -1 : 1) : p.fe;
+    def.fn = p.fn;
+    // UPS as saved: its latitude of true scale kept to six decimals.
+    def.ups = def.kind == PolarStereographic && def.fe == kUpsFalseOrigin && def.fn == kUpsFalseOrigin &&
+              def.lon0 == 0 &&
+              std::fabs(std::fabs(def.lat0) - UpsLatitudeOfTrueScale(EccentricitySquared(system))) < 1e-5;
     return def;
 }
 
@@ -388,6 +449,10 @@ std::string SystemText(const SystemDef& def, const std::vector<DatumEntry>& datu
             add("fn", std::to_string(def.fn));
             break;
         case PolarStereographic:
+            if (def.ups) {
+                text = def.lat0 < 0 ? "ups south" : "ups north";
+                break;
+            }
             add("lat_ts", ShortNumber(def.lat0));
             add("lon0", ShortNumber(def.lon0));
             add("fe", std::to_string(def.fe));
@@ -430,7 +495,7 @@ namespace {
 void CheckLoaded(CGeoReferenceData& system, const std::string& path) {
     const std::string where = Quoted(Utf8(path.c_str()));
     const int kind = system.GetProjection();
-    if (kind < Geographic || kind > Cartesian)
+    if (!mw::IsKind(kind))
         throw Error(where + Tr(": the saved system has no valid projection kind (ProjectionIndex)",
                                ": у сохранённой системы нет допустимого вида проекции (ProjectionIndex)"));
     CheckCatalogEntries(system, where);
@@ -461,13 +526,14 @@ void LoadPair(std::string_view typedBase, CGeoTransform& out) {
 }
 
 const char* SystemSyntaxHelp() {
-    return R"(SYSTEM is one argument (quote it for the shell): a kind, then its parameters
+    return Tr(R"(SYSTEM is one argument (quote it for the shell): a kind, then its parameters
 separated by blanks:
 
   geographic [datum=D]                        latitude and longitude
   utm [zone=1..60|auto] [north|south] [datum=D]
                                               zone=auto (the default): each
-                                              point's own zone
+                                              point's own zone; south: false
+                                              northing 10000000 m
   gk (zone=1..60 | lon0=DEG) [lat0=DEG] [fe=M] [fn=M] [datum=D]
                                               Gauss-Kruger (scale 1); zone=N
                                               means lon0=6N-3 and
@@ -479,6 +545,9 @@ separated by blanks:
                                               polar stereographic; the sign of
                                               lat_ts picks the pole, lon0 is
                                               the longitude below the pole
+  ups north|south [datum=D]                   universal polar stereographic:
+                                              scale 0.994 at the pole, false
+                                              easting and northing 2000000
   cartesian [datum=D]                         geocentric X, Y, Z
 
 D is a catalog index or a datum name as "mapwright datums" lists them, for
@@ -492,7 +561,43 @@ Examples:
   'utm zone=37 north datum="Pulkovo 1942"'
   'gk zone=7 datum="Pulkovo 1942"'
   'tm k=0.9996 lon0=39 fe=500000 datum=3'
-  'geographic datum="WGS 84"')";
+  'geographic datum="WGS 84"')",
+              R"(SYSTEM — один аргумент (в кавычках для оболочки): вид, затем его параметры
+через пробел:
+
+  geographic [datum=D]                        широта и долгота
+  utm [zone=1..60|auto] [north|south] [datum=D]
+                                              zone=auto (по умолчанию): своя
+                                              зона каждой точки; south: ложный
+                                              сдвиг на север 10000000 м
+  gk (zone=1..60 | lon0=DEG) [lat0=DEG] [fe=M] [fn=M] [datum=D]
+                                              Гаусса-Крюгера (масштаб 1);
+                                              zone=N значит lon0=6N-3 и
+                                              fe=N*1000000+500000
+  tm [k=SCALE] [lon0=DEG] [lat0=DEG] [fe=M] [fn=M] [datum=D]
+                                              поперечная Меркатора
+  mercator [lon0=DEG] [lat_ts=DEG] [fe=M] [fn=M] [datum=D]
+  ps lat_ts=DEG [lon0=DEG] [fe=M] [fn=M] [datum=D]
+                                              полярная стереографическая; знак
+                                              lat_ts выбирает полюс, lon0 —
+                                              долгота под полюсом
+  ups north|south [datum=D]                   универсальная полярная
+                                              стереографическая: масштаб 0.994
+                                              на полюсе, сдвиги 2000000
+  cartesian [datum=D]                         геоцентрические X, Y, Z
+
+D — номер в каталоге или название датума, как их показывает "mapwright
+datums", например datum=4 или datum="Pulkovo 1942"; по умолчанию 3 (WGS 84 в
+поставляемом каталоге). DEG — десятичные градусы, M — целые метры; не
+заданное равно 0 (k равно 1). Понимаются также geo, latlon, gauss-kruger,
+tmerc, transverse-mercator, merc, stere, polar-stereographic, geocentric, ecef
+и написания PROJ lon_0, lat_0, k_0, x_0, y_0.
+
+Примеры:
+  'utm zone=37 north datum="Pulkovo 1942"'
+  'gk zone=7 datum="Pulkovo 1942"'
+  'tm k=0.9996 lon0=39 fe=500000 datum=3'
+  'geographic datum="WGS 84"')");
 }
 
 }  // namespace mwcli

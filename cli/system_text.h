@@ -19,6 +19,7 @@
 #include <mapwright/mapwright.h>
 
 #include "catalog_view.h"
+#include "refsys/kinds.h"
 
 namespace mwcli {
 
@@ -31,9 +32,11 @@ struct SystemDef {
     double lat0 = 0.0;   // latitude of origin (gk, tm) or of true scale (mercator, ps), degrees
     int32_t fe = 0;      // false easting, metres; UTM: hemisphere 1 north, -1 south
     int32_t fn = 0;      // false northing, metres; UTM: zone, 0 = from each point's longitude
+    bool ups = false;    // polar stereographic as UPS: scale 0.994 at the pole, false origin 2000 km
 
-    bool UtmZoneFixed() const { return kind == UTM && fn >= 1 && fn <= 60; }
-    bool UtmSouth() const { return kind == UTM && fe == -1; }
+    // UTM: hemisphere and zone by name, as the block holds them.
+    bool UtmZoneFixed() const { return kind == UTM && mw::BlockParams{.fn = fn}.UtmZoneFixed(); }
+    bool UtmSouth() const { return kind == UTM && mw::BlockParams{.fe = fe}.UtmSouth(); }
 };
 
 // Reads a SYSTEM text; the datum is looked up in `datums` by index or name.
@@ -51,6 +54,10 @@ void CheckCatalogEntries(CGeoReferenceData& system, const std::string& where);
 
 // The SYSTEM text that reads back as `def`.
 std::string SystemText(const SystemDef& def, const std::vector<DatumEntry>& datums);
+// The latitude of true scale (degrees, positive) that gives the library's
+// polar stereographic on an ellipsoid of eccentricity squared `e2` the UPS
+// scale of 0.994 at the pole.
+double UpsLatitudeOfTrueScale(double e2);
 // The keyword of a kind ("utm"), or "" outside 1..7.
 const char* KindKeyword(int kind);
 

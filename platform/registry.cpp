@@ -127,6 +127,22 @@ LONG RegSetValueExA(HKEY key, LPCSTR name, DWORD /*reserved*/, DWORD type, const
     return open->store->SetValue(open->path, name ? name : "", type, data, size);
 }
 
+LONG RegEnumKeyExA(HKEY key, DWORD index, LPSTR name, LPDWORD nameSize, LPDWORD reserved, LPSTR className,
+                   LPDWORD classSize, PFILETIME /*lastWrite*/) {
+    std::shared_ptr<OpenKey> open = Resolve(key);
+    if (!open) return ERROR_INVALID_HANDLE;
+    if (!name || !nameSize || reserved) return ERROR_INVALID_PARAMETER;
+    if (!(open->access & KEY_ENUMERATE_SUB_KEYS)) return ERROR_ACCESS_DENIED;
+    std::string found;
+    if (LONG rc = open->store->SubKeyName(open->path, index, found); rc != ERROR_SUCCESS) return rc;
+    if (*nameSize <= found.size()) return ERROR_MORE_DATA;  // no room for the NUL
+    std::memcpy(name, found.c_str(), found.size() + 1);
+    *nameSize = static_cast<DWORD>(found.size());
+    if (className && classSize && *classSize > 0) className[0] = '\0';
+    if (classSize) *classSize = 0;
+    return ERROR_SUCCESS;
+}
+
 // A handle inherited through fork() may be closed in the child: that frees
 // the handle and leaves the parent's connection alone.
 LONG RegCloseKey(HKEY key) {

@@ -392,4 +392,35 @@ LONG RegistryStore::SetValue(const std::string& key, std::string_view name, DWOR
     return rc == SQLITE_DONE ? ERROR_SUCCESS : ToWin32(rc);
 }
 
+LONG RegistryStore::SubKeyName(const std::string& key, DWORD index, std::string& name) {
+    std::lock_guard lock(m_mutex);
+    if (LONG result = KeyExistsLocked(key); result != ERROR_SUCCESS) return result;
+    Format format = Format::Empty;
+    LONG result = OpenExisting();
+    if (result == ERROR_SUCCESS) result = CheckFormat(format);
+    // The root of a store not yet made has no subkeys.
+    if (result == ERROR_FILE_NOT_FOUND || (result == ERROR_SUCCESS && format == Format::Empty))
+        return ERROR_NO_MORE_ITEMS;
+    if (result != ERROR_SUCCESS) return result;
+    const std::string prefix = key.empty() ? key : key + '\\';
+    // Every key below, in path order; the direct children have no further '\'.
+    Statement query(m_db,
+                    "SELECT path, name FROM reg_key WHERE path > ?1 AND substr(path, 1, ?2) = ?1 ORDER BY path");
+    query.Bind(1, prefix);
+    query.Bind(2, static_cast<long long>(prefix.size()));
+    DWORD seen = 0;
+    int rc;
+    while ((rc = query.Step()) == SQLITE_ROW) {
+        const auto* path = static_cast<const char*>(sqlite3_column_blob(query.get(), 0));
+        const auto length = static_cast<size_t>(sqlite3_column_bytes(query.get(), 0));
+        const std::string_view rest(path + prefix.size(), length - prefix.size());
+        if (rest.find('\\') != std::string_view::npos || seen++ < index) continue;
+        const void* spelled = sqlite3_column_blob(query.get(), 1);
+        const int size = sqlite3_column_bytes(query.get(), 1);
+        name.assign(size > 0 ? static_cast<const char*>(spelled) : "", static_cast<size_t>(size));
+        return ERROR_SUCCESS;
+    }
+    return rc == SQLITE_DONE ? ERROR_NO_MORE_ITEMS : ToWin32(rc);
+}
+
 }  // namespace mw

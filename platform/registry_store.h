@@ -55,6 +55,9 @@ public:
     LONG GetValue(const std::string& key, std::string_view name, DWORD& type, std::string& data);
     LONG SetValue(const std::string& key, std::string_view name, DWORD type, const BYTE* data,
                   DWORD size);
+    // The name (as first spelled) of the `index`-th subkey of `key`, in the
+    // order of the folded names; ERROR_NO_MORE_ITEMS past the last.
+    LONG SubKeyName(const std::string& key, DWORD index, std::string& name);
 
 private:
     enum class Format { Ours, Empty };

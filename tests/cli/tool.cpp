@@ -1,12 +1,9 @@
 #include "tool.h"
 
 #include <fcntl.h>
-#include <poll.h>
-#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -17,99 +14,27 @@
 
 namespace clitest {
 
-namespace {
-
-std::vector<char*> Argv(const std::string& program, const std::vector<std::string>& args) {
-    std::vector<char*> argv;
-    argv.push_back(const_cast<char*>(program.c_str()));
-    for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-    argv.push_back(nullptr);
-    return argv;
-}
-
-int StatusOf(int wait) {
-    return WIFEXITED(wait) ? WEXITSTATUS(wait) : -1;
-}
-
-}  // namespace
-
 Result Run(const std::string& program, const std::vector<std::string>& args, const std::string& input) {
     // Files rather than pipes: no deadlock whatever the child writes.
     mwtest::TempDir dir;
     const std::string in = dir.file("in"), out = dir.file("out"), err = dir.file("err");
     mwtest::WriteFile(in, input);
-    std::vector<char*> argv = Argv(program, args);
+    std::vector<char*> argv = {const_cast<char*>(program.c_str())};
+    for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+    argv.push_back(nullptr);
     const pid_t pid = fork();
-    if (pid < 0) throw std::runtime_error("fork failed");
     if (pid == 0) {
         const int i = open(in.c_str(), O_RDONLY);
         const int o = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         const int e = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         if (i < 0 || o < 0 || e < 0) _exit(126);
-        dup2(i, 0);
-        dup2(o, 1);
-        dup2(e, 2);
+        if (dup2(i, 0) < 0 || dup2(o, 1) < 0 || dup2(e, 2) < 0) _exit(126);
         execv(program.c_str(), argv.data());
         _exit(127);
     }
     int wait = 0;
-    waitpid(pid, &wait, 0);
-    return {StatusOf(wait), mwtest::ReadFile(out), mwtest::ReadFile(err)};
-}
-
-Result RunWithTerminalStderr(const std::vector<std::string>& args, const std::string& input) {
-    mwtest::TempDir dir;
-    const std::string in = dir.file("in"), out = dir.file("out");
-    mwtest::WriteFile(in, input);
-    int master = -1, slave = -1;
-    if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0) throw std::runtime_error("openpty failed");
-    const std::string program = MAPWRIGHT_CLI;
-    std::vector<char*> argv = Argv(program, args);
-    const pid_t pid = fork();
-    if (pid < 0) throw std::runtime_error("fork failed");
-    if (pid == 0) {
-        close(master);
-        const int i = open(in.c_str(), O_RDONLY);
-        const int o = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        if (i < 0 || o < 0) _exit(126);
-        dup2(i, 0);
-        dup2(o, 1);
-        dup2(slave, 2);
-        close(slave);
-        execv(program.c_str(), argv.data());
-        _exit(127);
-    }
-    close(slave);
-    // Drain the terminal while the child runs, so it never blocks on it.
-    std::string err;
-    char buffer[4096];
-    for (;;) {
-        pollfd p{master, POLLIN, 0};
-        if (poll(&p, 1, 100) > 0) {
-            const ssize_t n = read(master, buffer, sizeof buffer);
-            if (n > 0) {
-                err.append(buffer, static_cast<size_t>(n));
-                continue;
-            }
-            if (n < 0 && errno == EINTR) continue;
-            break;  // EIO: the child closed its side
-        }
-        int wait = 0;
-        if (waitpid(pid, &wait, WNOHANG) == pid) {
-            // Whatever is still buffered in the terminal.
-            while (poll(&p, 1, 0) > 0) {
-                const ssize_t n = read(master, buffer, sizeof buffer);
-                if (n <= 0) break;
-                err.append(buffer, static_cast<size_t>(n));
-            }
-            close(master);
-            return {StatusOf(wait), mwtest::ReadFile(out), err};
-        }
-    }
-    close(master);
-    int wait = 0;
-    waitpid(pid, &wait, 0);
-    return {StatusOf(wait), mwtest::ReadFile(out), err};
+    if (pid < 0 || waitpid(pid, &wait, 0) != pid) throw std::runtime_error("fork failed");
+    return {WIFEXITED(wait) ? WEXITSTATUS(wait) : -1, mwtest::ReadFile(out), mwtest::ReadFile(err)};
 }
 
 std::vector<std::vector<double>> Cct(const std::string& pipeline, const std::vector<std::vector<double>>& points) {
@@ -120,9 +45,9 @@ std::vector<std::vector<double>> Cct(const std::string& pipeline, const std::vec
     std::istringstream words(pipeline);
     for (std::string w; words >> w;) args.push_back(w);
     const Result r = Run(MAPWRIGHT_CCT, args, in.str());
-    if (r.status != 0) throw std::runtime_error("cct failed: " + r.err);
     std::vector<std::vector<double>> out;
     for (const std::string& line : Lines(r.out)) out.push_back(Numbers(line));
+    if (r.status != 0 || out.size() != points.size()) throw std::runtime_error("cct failed: " + r.err);
     return out;
 }
 
@@ -135,8 +60,8 @@ std::string Molodensky(const Datum& from, const Datum& to) {
 }
 
 std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
     std::istringstream s(text);
+    std::vector<std::string> lines;
     for (std::string line; std::getline(s, line);) lines.push_back(line);
     return lines;
 }
@@ -153,40 +78,10 @@ std::vector<double> Numbers(const std::string& line) {
     return numbers;
 }
 
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-bool MatchesShape(const std::string& text, const std::string& pattern, std::vector<std::string>* numbers) {
-    if (numbers) numbers->clear();
-    size_t t = 0, p = 0;
-    while (p < pattern.size()) {
-        if (pattern.compare(p, 2, "{}") == 0) {
-            const size_t start = t;
-            while (t < text.size() && ((text[t] >= '0' && text[t] <= '9') || text[t] == '.')) ++t;
-            const std::string number = text.substr(start, t - start);
-            if (number.empty() || number.front() == '.' || number.back() == '.' ||
-                number.find('.') != number.rfind('.'))
-                return false;
-            if (numbers) numbers->push_back(number);
-            p += 2;
-            continue;
-        }
-        if (t >= text.size() || text[t] != pattern[p]) return false;
-        ++t;
-        ++p;
-    }
-    return t == text.size();
-}
-
-size_t Decimals(const std::string& number) {
-    const size_t point = number.find('.');
-    return point == std::string::npos ? 0 : number.size() - point - 1;
-}
+bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 double GroundDistance(double lat1, double lon1, double lat2, double lon2) {
-    // Metres per degree on WGS 84 at the mean latitude: the meridian and the
-    // parallel radii of curvature.
+    // The meridian and parallel radii of curvature at the mean latitude.
     const double a = 6378137.0, e2 = 0.00669437999014, d2r = M_PI / 180.0;
     const double phi = (lat1 + lat2) / 2 * d2r;
     const double w = std::sqrt(1 - e2 * std::sin(phi) * std::sin(phi));

@@ -834,4 +834,28 @@ TEST_F(Registry, ConcurrentWritersLoseNothing) {
     }
 }
 
+TEST_F(Registry, EnumerationGivesEachDirectSubkeyOnceAsSpelled) {
+    Key k, parent;
+    char name[8];
+    DWORD size = sizeof name;
+    EXPECT_EQ(ERROR_NO_MORE_ITEMS,
+              RegEnumKeyExA(HKEY_CURRENT_USER, 0, name, &size, nullptr, nullptr, nullptr, nullptr));
+    for (const char* path : {"E\\Beta\\Deep", "E\\alpha", "E\\Gamma"})
+        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyA(HKEY_CURRENT_USER, path, k.out()));
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExA(HKEY_CURRENT_USER, "e", 0, KEY_READ, parent.out()));
+    std::string names;
+    for (DWORD i = 0;; ++i) {
+        size = sizeof name;
+        const LONG rc = RegEnumKeyExA(parent, i, name, &size, nullptr, nullptr, nullptr, nullptr);
+        if (rc != ERROR_SUCCESS) {
+            EXPECT_EQ(ERROR_NO_MORE_ITEMS, rc);
+            break;
+        }
+        names += std::string(name, size) + ";";
+    }
+    EXPECT_EQ("alpha;Beta;Gamma;", names);
+    size = 5;  // "Gamma" needs 6 with its NUL
+    EXPECT_EQ(ERROR_MORE_DATA, RegEnumKeyExA(parent, 2, name, &size, nullptr, nullptr, nullptr, nullptr));
+}
+
 }  // namespace

@@ -19,11 +19,13 @@
 #define ERROR_OUTOFMEMORY 14L
 #define ERROR_INVALID_PARAMETER 87L
 #define ERROR_MORE_DATA 234L
+#define ERROR_NO_MORE_ITEMS 259L
 #define ERROR_BADDB 1009L
 
 #define KEY_QUERY_VALUE 0x0001u
 #define KEY_SET_VALUE 0x0002u
 #define KEY_CREATE_SUB_KEY 0x0004u
+#define KEY_ENUMERATE_SUB_KEYS 0x0008u
 #define KEY_READ 0x20019u
 #define KEY_WRITE 0x20006u
 #define KEY_ALL_ACCESS 0xF003Fu
@@ -32,6 +34,12 @@
 #define REG_SZ 1u
 #define REG_BINARY 3u
 #define REG_DWORD 4u
+
+// The write time RegEnumKeyExA could report (this registry keeps none).
+typedef struct _FILETIME {
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+} FILETIME, *PFILETIME;
 
 extern "C" {
 
@@ -51,6 +59,13 @@ MW_API LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD ty
 // without KEY_SET_VALUE or when the store cannot be written.
 MW_API LONG RegSetValueExA(HKEY key, LPCSTR name, DWORD reserved, DWORD type,
                            const BYTE* data, DWORD size);
+// The name of the `index`-th subkey of `key` (0 first), in a fixed order while
+// the key is unchanged; ERROR_NO_MORE_ITEMS past the last. `*nameSize` is the
+// buffer's size in bytes and becomes the name's length without its NUL; a
+// buffer too small gives ERROR_MORE_DATA. There are no classes and no write
+// times: `className` gets an empty string, `lastWrite` is left as it is.
+MW_API LONG RegEnumKeyExA(HKEY key, DWORD index, LPSTR name, LPDWORD nameSize, LPDWORD reserved,
+                          LPSTR className, LPDWORD classSize, PFILETIME lastWrite);
 MW_API LONG RegCloseKey(HKEY key);
 }
 
