@@ -121,6 +121,18 @@ BOOL CMaskEdit::TypeChar(int position, char ch) {
     return TRUE;
 }
 
+void CMaskEdit::EraseSelection() {
+    if (m_mask.IsEmpty()) return CEdit::EraseSelection();
+    int start = 0, end = 0;
+    GetSel(start, end);
+    if (start == end) return;
+    CString text;
+    GetWindowText(text);
+    for (int place = start; place < end; ++place) m_mask.Erase(text, place);
+    SetWindowText(text);
+    SetSel(start, start);
+}
+
 BOOL CMaskEdit::EraseChar(int position) {
     if (m_mask.IsEmpty()) return CEdit::EraseChar(position);
     CString text;

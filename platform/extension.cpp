@@ -20,15 +20,27 @@ std::vector<CDynLinkLibrary*>& Chain() {
 
 namespace mw {
 
-bool LoadFromResourceChain(UINT id, std::string& text) {
+namespace {
+
+std::vector<HMODULE> ChainModules() {
     std::vector<HMODULE> modules;
-    {
-        std::lock_guard<std::mutex> lock(g_chainLock);
-        for (CDynLinkLibrary* link : Chain()) modules.push_back(link->m_hResource);
-    }
-    for (HMODULE m : modules)
+    std::lock_guard<std::mutex> lock(g_chainLock);
+    for (CDynLinkLibrary* link : Chain()) modules.push_back(link->m_hResource);
+    return modules;
+}
+
+}  // namespace
+
+bool LoadFromResourceChain(UINT id, std::string& text) {
+    for (HMODULE m : ChainModules())
         if (FindModuleString(m, id, text)) return true;
     return false;
+}
+
+const MwDialogTemplate* FindDialogInResourceChain(UINT id) {
+    for (HMODULE m : ChainModules())
+        if (const MwDialogTemplate* found = MwFindDialogTemplate(m, id)) return found;
+    return nullptr;
 }
 
 }  // namespace mw

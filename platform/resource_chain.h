@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include <mapwright/resources.h>
 #include <mapwright/wintypes.h>
 
 namespace mw {
@@ -13,6 +14,9 @@ namespace mw {
 bool FindModuleString(HMODULE module, UINT id, std::string& text);
 // The first module of the extension chain (newest first) that has string `id`.
 bool LoadFromResourceChain(UINT id, std::string& text);
+// Dialog template `id` of the first module of the chain that has it, in the
+// user-interface language (else English); null when none has.
+const MwDialogTemplate* FindDialogInResourceChain(UINT id);
 
 }  // namespace mw
 

@@ -1,5 +1,6 @@
 #include <mapwright/afxwin.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <mutex>
@@ -90,14 +91,81 @@ bool StartsWithNoCase(const std::string& item, const char* prefix) {
 
 // CWnd
 
-CWnd::CWnd() : m_hWnd(nullptr), m_hOwnHandle(RegisterWindow(this)), m_dwStyle(WS_VISIBLE), m_nID(0) {
+CWnd::CWnd()
+    : m_hWnd(nullptr), m_hOwnHandle(RegisterWindow(this)), m_hParent(nullptr), m_dwStyle(WS_VISIBLE), m_nID(0),
+      m_rect{0, 0, 0, 0} {
     m_hWnd = m_hOwnHandle;
 }
 
 // By the handle it was given: m_hWnd is public and a host may have changed it.
-CWnd::~CWnd() { UnregisterWindow(m_hOwnHandle); }
+CWnd::~CWnd() {
+    if (CWnd* parent = GetParent()) {
+        auto& siblings = parent->m_children;
+        siblings.erase(std::remove(siblings.begin(), siblings.end(), m_hOwnHandle), siblings.end());
+    }
+    UnregisterWindow(m_hOwnHandle);
+    // Owned children go with the members; their parent handle names nothing by then.
+}
 
 CWnd* CWnd::FromHandle(HWND handle) { return WindowOf(handle); }
+
+// The class name is the C++ class here: the object is the window.
+BOOL CWnd::Create(LPCTSTR, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id) {
+    if (GetParent()) return FALSE;
+    m_strText = windowName ? windowName : "";
+    m_dwStyle = style;
+    m_rect = rect;
+    m_nID = static_cast<int>(id);
+    if (parent) {
+        m_hParent = parent->m_hOwnHandle;
+        parent->m_children.push_back(m_hOwnHandle);
+    }
+    return TRUE;
+}
+
+BOOL CWnd::SubclassDlgItem(UINT id, CWnd* parent) {
+    if (!parent) return FALSE;
+    CWnd* window = parent->GetDlgItem(static_cast<int>(id));
+    if (!window) return FALSE;
+    if (window == this) return TRUE;
+    if (CWnd* old = GetParent()) {
+        auto& siblings = old->m_children;
+        siblings.erase(std::remove(siblings.begin(), siblings.end(), m_hOwnHandle), siblings.end());
+    }
+    TakeWindowState(*window);
+    m_hParent = parent->m_hOwnHandle;
+    parent->ReplaceChild(window->m_hOwnHandle, m_hOwnHandle);
+    // The window made from the template is now this object.
+    auto& owned = parent->m_ownedChildren;
+    auto it = std::find_if(owned.begin(), owned.end(), [window](const auto& p) { return p.get() == window; });
+    if (it != owned.end()) owned.erase(it);
+    return TRUE;
+}
+
+void CWnd::ReplaceChild(HWND from, HWND to) { std::replace(m_children.begin(), m_children.end(), from, to); }
+
+CWnd* CWnd::GetParent() const { return WindowOf(m_hParent); }
+
+CWnd* CWnd::GetDlgItem(int id) const {
+    for (HWND h : m_children)
+        if (CWnd* child = WindowOf(h); child && child->m_nID == id) return child;
+    return nullptr;
+}
+
+CWnd* CWnd::GetNextDlgGroupItem(CWnd* control, BOOL previous) const {
+    std::vector<CWnd*> children;
+    for (HWND h : m_children)
+        if (CWnd* child = WindowOf(h)) children.push_back(child);
+    const auto at = std::find(children.begin(), children.end(), control);
+    if (at == children.end()) return nullptr;
+    const size_t i = static_cast<size_t>(at - children.begin());
+    size_t first = i;
+    while (first > 0 && !(children[first]->m_dwStyle & WS_GROUP)) --first;
+    size_t end = i + 1;
+    while (end < children.size() && !(children[end]->m_dwStyle & WS_GROUP)) ++end;
+    if (previous) return children[i == first ? end - 1 : i - 1];
+    return children[i + 1 == end ? first : i + 1];
+}
 
 void CWnd::SetWindowText(LPCTSTR text) { SendMessage(WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)); }
 
@@ -116,13 +184,17 @@ void CWnd::GetWindowText(CString& text) const {
 int CWnd::GetWindowTextLength() const { return static_cast<int>(SendMessage(WM_GETTEXTLENGTH)); }
 
 BOOL CWnd::ShowWindow(int command) {
-    const BOOL wasVisible = IsWindowVisible();
+    const BOOL wasVisible = (m_dwStyle & WS_VISIBLE) ? TRUE : FALSE;
     if (command == SW_HIDE) m_dwStyle &= ~WS_VISIBLE;
     else m_dwStyle |= WS_VISIBLE;
     return wasVisible;
 }
 
-BOOL CWnd::IsWindowVisible() const { return (m_dwStyle & WS_VISIBLE) ? TRUE : FALSE; }
+BOOL CWnd::IsWindowVisible() const {
+    for (const CWnd* w = this; w; w = w->GetParent())
+        if (!(w->m_dwStyle & WS_VISIBLE)) return FALSE;
+    return TRUE;
+}
 
 BOOL CWnd::EnableWindow(BOOL enable) {
     const BOOL wasDisabled = IsWindowEnabled() ? FALSE : TRUE;
@@ -146,13 +218,51 @@ BOOL CWnd::ModifyStyle(DWORD remove, DWORD add, UINT) {
     return TRUE;
 }
 
+void CWnd::GetWindowRect(LPRECT rect) const {
+    if (rect) *rect = m_rect;
+}
+
+void CWnd::MoveWindow(int x, int y, int width, int height, BOOL) { m_rect = RECT{x, y, x + width, y + height}; }
+
 LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam) const {
     // MFC declares SendMessage const although the message may change the
     // window; windows are never const objects.
     return const_cast<CWnd*>(this)->WindowProc(message, wParam, lParam);
 }
 
+BOOL CWnd::UpdateData(BOOL saveAndValidate) {
+    CDataExchange exchange(this, saveAndValidate);
+    DoDataExchange(&exchange);
+    return exchange.m_bFailed ? FALSE : TRUE;
+}
+
+void CWnd::DoDataExchange(CDataExchange*) {}
+
 LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (OnWndMsg(message, wParam, lParam, &result)) return result;
+    return DefWindowProc(message, wParam, lParam);
+}
+
+BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) {
+    if (message == WM_COMMAND) {
+        if (!OnCommand(wParam, lParam)) return FALSE;
+        *result = 1;
+        return TRUE;
+    }
+    const AFX_MSGMAP_ENTRY* entry = FindMessageEntry(GetMessageMap(), message, 0, 0);
+    if (!entry || entry->nSig != AfxSig_lwl) return FALSE;
+    // Undoes the casts of ON_MESSAGE: the handler has this very type.
+    PTM_WARNING_DISABLE
+    const auto handler = reinterpret_cast<LRESULT (CWnd::*)(WPARAM, LPARAM)>(static_cast<AFX_PMSGW>(entry->pfn));
+    PTM_WARNING_RESTORE
+    *result = (this->*handler)(wParam, lParam);
+    return TRUE;
+}
+
+BOOL CWnd::OnCommand(WPARAM wParam, LPARAM) { return OnCmdMsg(LOWORD(wParam), HIWORD(wParam), nullptr, nullptr); }
+
+LRESULT CWnd::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_SETTEXT:
         return SetText(TextOrEmpty(lParam));
@@ -172,11 +282,47 @@ BOOL CWnd::SetText(const char* text) {
 
 CString CWnd::GetText() const { return m_strText; }
 
+void CWnd::TakeWindowState(const CWnd& window) {
+    m_strText = window.m_strText;
+    m_dwStyle = window.m_dwStyle;
+    m_nID = window.m_nID;
+    m_rect = window.m_rect;
+}
+
+void CWnd::NotifyParent(UINT code) const {
+    if (CWnd* parent = GetParent())
+        parent->SendMessage(WM_COMMAND, MAKEWPARAM(m_nID, code), reinterpret_cast<LPARAM>(m_hOwnHandle));
+}
+
+BOOL CWnd::CanTakeInput() const {
+    for (const CWnd* w = this; w; w = w->GetParent())
+        if (!(w->m_dwStyle & WS_VISIBLE) || (w->m_dwStyle & WS_DISABLED)) return FALSE;
+    return TRUE;
+}
+
+void CWnd::DestroyChildren() {
+    const std::vector<HWND> children = std::move(m_children);
+    m_children.clear();
+    for (HWND h : children)
+        if (CWnd* child = WindowOf(h)) child->m_hParent = nullptr;
+    const auto owned = std::move(m_ownedChildren);
+    m_ownedChildren.clear();
+}
+
+CWnd* CWnd::AddOwnedChild(std::unique_ptr<CWnd> child) {
+    m_ownedChildren.push_back(std::move(child));
+    return m_ownedChildren.back().get();
+}
+
 // CEdit
 
 CEdit::CEdit() : m_nSelStart(0), m_nSelEnd(0) {}
 
 CEdit::~CEdit() = default;
+
+BOOL CEdit::Create(DWORD style, const RECT& rect, CWnd* parent, UINT id) {
+    return CWnd::Create("Edit", "", style, rect, parent, id);
+}
 
 void CEdit::SetSel(int start, int end, BOOL) {
     SendMessage(EM_SETSEL, static_cast<WPARAM>(static_cast<intptr_t>(start)), static_cast<LPARAM>(end));
@@ -238,7 +384,40 @@ LRESULT CEdit::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
 BOOL CEdit::SetText(const char* text) {
     CWnd::SetText(text);
     m_nSelStart = m_nSelEnd = 0;
+    NotifyParent(EN_CHANGE);
     return TRUE;
+}
+
+void CEdit::TakeWindowState(const CWnd& window) {
+    CWnd::TakeWindowState(window);
+    if (const auto* edit = dynamic_cast<const CEdit*>(&window)) {
+        m_nSelStart = edit->m_nSelStart;
+        m_nSelEnd = edit->m_nSelEnd;
+    }
+}
+
+void CEdit::EraseSelection() {
+    int start = 0, end = 0;
+    GetSel(start, end);
+    if (start == end) return;
+    CString text;
+    GetWindowText(text);
+    SetWindowText(text.Left(start) + text.Mid(end));
+    SetSel(start, start);
+}
+
+BOOL CEdit::TypeText(const char* text) {
+    if (!CanTakeInput()) return FALSE;
+    SetSel(0, -1);
+    EraseSelection();
+    int caret = 0, end = 0;
+    GetSel(caret, end);
+    BOOL all = TRUE;
+    for (const char* p = text ? text : ""; *p; ++p) {
+        if (TypeChar(caret, *p)) GetSel(caret, end);
+        else all = FALSE;
+    }
+    return all;
 }
 
 // CStatic
@@ -247,11 +426,51 @@ CStatic::CStatic() = default;
 
 CStatic::~CStatic() = default;
 
+BOOL CStatic::Create(LPCTSTR text, DWORD style, const RECT& rect, CWnd* parent, UINT id) {
+    return CWnd::Create("Static", text, style, rect, parent, id);
+}
+
 // CButton
 
 CButton::CButton() : m_nCheck(BST_UNCHECKED) {}
 
 CButton::~CButton() = default;
+
+BOOL CButton::Create(LPCTSTR caption, DWORD style, const RECT& rect, CWnd* parent, UINT id) {
+    return CWnd::Create("Button", caption, style, rect, parent, id);
+}
+
+BOOL CButton::Click() {
+    if (!CanTakeInput()) return FALSE;
+    switch (GetStyle() & BS_TYPEMASK) {
+    case BS_AUTOCHECKBOX:
+        SetCheck(GetCheck() == BST_CHECKED ? BST_UNCHECKED : BST_CHECKED);
+        break;
+    case BS_AUTO3STATE:  // unchecked, checked, indeterminate, round again
+        SetCheck((GetCheck() + 1) % 3);
+        break;
+    case BS_AUTORADIOBUTTON:
+        SetCheck(BST_CHECKED);
+        // Only auto radio buttons of the group are unchecked, as the button
+        // procedure does; other controls of the group keep their state.
+        if (CWnd* parent = GetParent()) {
+            for (CWnd* w = parent->GetNextDlgGroupItem(this); w && w != this; w = parent->GetNextDlgGroupItem(w)) {
+                auto* radio = dynamic_cast<CButton*>(w);
+                if (radio && (radio->GetStyle() & BS_TYPEMASK) == BS_AUTORADIOBUTTON) radio->SetCheck(BST_UNCHECKED);
+            }
+        }
+        break;
+    default:
+        break;
+    }
+    NotifyParent(BN_CLICKED);
+    return TRUE;
+}
+
+void CButton::TakeWindowState(const CWnd& window) {
+    CWnd::TakeWindowState(window);
+    if (const auto* button = dynamic_cast<const CButton*>(&window)) m_nCheck = button->m_nCheck;
+}
 
 void CButton::SetCheck(int check) { SendMessage(BM_SETCHECK, static_cast<WPARAM>(static_cast<intptr_t>(check))); }
 
@@ -276,6 +495,39 @@ LRESULT CButton::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
 CComboBox::CComboBox() : m_nCurSel(CB_ERR) { ModifyStyle(0, CBS_DROPDOWNLIST); }
 
 CComboBox::~CComboBox() = default;
+
+BOOL CComboBox::Create(DWORD style, const RECT& rect, CWnd* parent, UINT id) {
+    return CWnd::Create("ComboBox", "", style, rect, parent, id);
+}
+
+BOOL CComboBox::Pick(int index) {
+    if (!CanTakeInput()) return FALSE;
+    NotifyParent(CBN_DROPDOWN);
+    // The handler of CBN_DROPDOWN may have changed the list (or ended the dialog).
+    if (index < 0 || index >= GetCount() || !CanTakeInput()) {
+        NotifyParent(CBN_CLOSEUP);
+        return FALSE;
+    }
+    SetCurSel(index);
+    NotifyParent(CBN_SELCHANGE);
+    NotifyParent(CBN_CLOSEUP);
+    return TRUE;
+}
+
+BOOL CComboBox::OpenAndClose() {
+    if (!CanTakeInput()) return FALSE;
+    NotifyParent(CBN_DROPDOWN);
+    NotifyParent(CBN_CLOSEUP);
+    return TRUE;
+}
+
+void CComboBox::TakeWindowState(const CWnd& window) {
+    CWnd::TakeWindowState(window);
+    if (const auto* box = dynamic_cast<const CComboBox*>(&window)) {
+        m_items = box->m_items;
+        m_nCurSel = box->m_nCurSel;
+    }
+}
 
 int CComboBox::AddString(LPCTSTR text) {
     return static_cast<int>(SendMessage(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text)));

@@ -1,5 +1,6 @@
-// Basalt's controls: a masked edit (CMaskEdit) and a list with masked cells
-// (CListFrame), as model windows of the platform window layer.
+// Basalt's controls: a masked edit (CMaskEdit), a list with masked cells
+// (CListFrame) and a file-name picker (CInFileCtrl), as model windows of the
+// platform window layer.
 //
 // The mask language. A mask is three strings: `mask` says per place what may
 // be typed there, `literal` is the template of the text (as long as `mask`),
@@ -82,6 +83,10 @@ public:
     BOOL TypeChar(int position, char ch) override;
     BOOL EraseChar(int position) override;
 
+protected:
+    // The selected entry places show their template again; fixed places stay.
+    void EraseSelection() override;
+
 private:
     CEditMask m_mask;
 };
@@ -140,6 +145,77 @@ private:
 
     std::vector<CString> m_headings;
     std::vector<std::vector<Cell>> m_rows;
+};
+
+// What a file control tells its parent whenever its path changes: wParam
+// the control's id, lParam its handle.
+#define WM_INFILECTRL_CHANGED 0x063A  // WM_USER + 0x23A
+
+// A file-name picker: a path edit with a browse button beside it, built over
+// the rectangle of the control it is bound to (a static placeholder of a
+// dialog template). The user types a path or picks one with the button; every
+// change of the path sends WM_INFILECTRL_CHANGED to the parent. Shown,
+// hidden, enabled and disabled as a whole.
+class MW_API CInFileCtrl : public CWnd {
+public:
+    enum { kEditId = 1001, kBrowseId = 1002 };
+
+    CInFileCtrl();
+    ~CInFileCtrl() override;
+
+    // Builds the edit and the button inside the control's rectangle:
+    //   open        1: the browse dialog picks an existing file; 0: it names
+    //               a file to write;
+    //   filter      the browse dialog's file types in the Windows form
+    //               ("Geoid (*.grd)|*.grd||"); null or "": every file;
+    //   defaultExt  what the browse dialog adds to a name typed without an
+    //               extension; null: nothing;
+    //   buttonWidth the browse button's width in dialog units (at least 8);
+    //   initialDir  where the browse dialog starts; one that begins with "\"
+    //               or "/" is under the application directory (GetAppDir),
+    //               as "\Processing"; null: the application directory.
+    // The control's own text (the placeholder's) is cleared. FALSE when it
+    // was created already.
+    BOOL Create(int open, const char* filter, const char* defaultExt, int buttonWidth, const char* initialDir);
+
+    // The path shown in the edit.
+    CString GetPathName() const;
+    // Null counts as the empty path. Sends WM_INFILECTRL_CHANGED.
+    void SetPathName(const char* path);
+
+    // The scripted user picks `path` with the browse button: the path is set
+    // and WM_INFILECTRL_CHANGED goes to the parent. FALSE, changing nothing,
+    // before Create or when the user cannot reach the button (hidden or
+    // disabled, also through the dialog).
+    BOOL ChoosePath(const char* path);
+
+    // What Create was given, for a window back end's file dialog.
+    BOOL IsOpenDialog() const { return m_bOpen; }
+    CString GetFilter() const { return m_strFilter; }
+    CString GetDefaultExt() const { return m_strDefaultExt; }
+    // The initial folder with the application directory resolved and "/"
+    // as the separator.
+    CString GetInitialDir() const;
+
+    CEdit& GetPathEdit() { return m_edit; }
+    CButton& GetBrowseButton() { return m_browse; }
+
+protected:
+    // EN_CHANGE of the edit: tell the parent.
+    afx_msg void OnPathChanged();
+    // The browse button: the window back end's file dialog (none headless).
+    afx_msg void OnBrowse();
+
+    DECLARE_MESSAGE_MAP()
+
+private:
+    CEdit m_edit;
+    CButton m_browse;
+    bool m_bCreated;
+    BOOL m_bOpen;
+    CString m_strFilter;
+    CString m_strDefaultExt;
+    CString m_strInitialDir;
 };
 
 #endif
