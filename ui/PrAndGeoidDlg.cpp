@@ -9,11 +9,6 @@
 #include "ui/PrChooseDlg.h"
 #include "ui/resource.h"
 
-namespace {
-// What the file control sends its parent whenever its path changes.
-constexpr UINT kFileChanged = 0x063A;  // WM_USER + 0x23A
-}  // namespace
-
 CPrAndGeoidDlg::CPrAndGeoidDlg(CWnd* parent, CGeoReferenceData* record, double* height, CString* file,
                                UINT templateId)
     : CPrChooseDlg(parent, record, templateId, nullptr), m_pGeoidHeight(height), m_pGeoidFile(file) {}
@@ -23,7 +18,7 @@ CPrAndGeoidDlg::~CPrAndGeoidDlg() = default;
 BEGIN_MESSAGE_MAP(CPrAndGeoidDlg, CPrChooseDlg)
     ON_BN_CLICKED(IDC_CUSTOM_HEIGHT, &CPrAndGeoidDlg::OnCustomHeight)
     ON_BN_CLICKED(IDC_HEIGHT_FROM_FILE, &CPrAndGeoidDlg::OnHeightFromFile)
-    ON_MESSAGE(kFileChanged, &CPrAndGeoidDlg::OnGeoidFileChanged)
+    ON_MESSAGE(WM_INFILECTRL_CHANGED, &CPrAndGeoidDlg::OnGeoidFileChanged)
 END_MESSAGE_MAP()
 
 void CPrAndGeoidDlg::DoDataExchange(CDataExchange* pDX) {
