@@ -206,6 +206,11 @@ CEdit& CPrChooseDlg::RowEdit(int row) {
     return *edits[row];
 }
 
+CMaskEdit* CPrChooseDlg::MaskedRow(int row) {
+    CMaskEdit* edits[3] = {&m_editParam1, &m_editParam2, &m_editParam3};
+    return row < 3 ? edits[row] : nullptr;
+}
+
 CString CPrChooseDlg::RowText(int row) { return WindowText(RowEdit(row)); }
 
 BOOL CPrChooseDlg::OnInitDialog() {
@@ -225,8 +230,9 @@ BOOL CPrChooseDlg::OnInitDialog() {
     for (int kind = 1; kind <= kOfferedKinds; ++kind) m_listProjection.AddString(GetResourceString(831 + kind));
     m_nKindCount = kOfferedKinds;
 
+    // A kind outside 1..7 (a host may write any number) names no entry.
     m_nKind = m_pRefData->GetProjection();
-    const CString kindName = GetResourceString(831 + m_nKind);
+    const CString kindName = m_nKind >= Geographic && m_nKind <= Cartesian ? GetResourceString(831 + m_nKind) : CString();
     CString item;
     for (int i = 0; i < m_nKindCount; ++i) {
         m_listProjection.GetLBText(i, item);
@@ -336,7 +342,7 @@ void CPrChooseDlg::ApplyRows(int kind) {
     for (int row = 0; row < 5; ++row) {
         const Row& spec = kRows[kind][row];
         RowLabel(row).SetWindowText(spec.label ? GetResourceString(spec.label) : CString());
-        if (spec.mask) static_cast<CMaskEdit&>(RowEdit(row)).SetMask(spec.mask->mask, spec.mask->literal, spec.mask->valid);
+        if (spec.mask && MaskedRow(row)) MaskedRow(row)->SetMask(spec.mask->mask, spec.mask->literal, spec.mask->valid);
         RowEdit(row).ShowWindow(spec.label ? SW_SHOW : SW_HIDE);
         if (spec.label) RowEdit(row).SetWindowText(spec.text);
     }

@@ -73,6 +73,8 @@ private:
     // The parameter rows 1 to 5: label and edit.
     CStatic& RowLabel(int row);
     CEdit& RowEdit(int row);
+    // Rows 1 to 3 take an entry mask; null for rows 4 and 5.
+    CMaskEdit* MaskedRow(int row);
     CString RowText(int row);
     void ApplyRows(int kind);
     void ShowRefusal(UINT stringId);

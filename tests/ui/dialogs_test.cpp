@@ -437,16 +437,13 @@ TEST_P(Dialogs, ListHandlers) {
     EXPECT_EQ(1, record.GetDatum());
 }
 
+// The geoid panel's two states, and the caller's height and path after OK
+// and Cancel (the projection part is that of the other dialog).
 TEST_P(Dialogs, GeoidPanel) {
-    auto custom = [](CDialog& d) {  // the Custom state
-        EXPECT_EQ(BST_CHECKED, Check(d, 886));
-        EXPECT_EQ(BST_UNCHECKED, Check(d, 887));
-        EXPECT_TRUE(!Shown(d, 822) && Shown(d, 820) && Shown(d, 821));
-    };
-    auto fromFile = [](CDialog& d) {
-        EXPECT_EQ(BST_UNCHECKED, Check(d, 886));
-        EXPECT_EQ(BST_CHECKED, Check(d, 887));
-        EXPECT_TRUE(Shown(d, 822) && !Shown(d, 820) && !Shown(d, 821));
+    auto state = [](CDialog& d, bool custom) {  // Custom: the height shown, the file control hidden
+        EXPECT_EQ(custom, Check(d, 886) == BST_CHECKED && Check(d, 887) == BST_UNCHECKED);
+        EXPECT_EQ(!custom, Check(d, 887) == BST_CHECKED && Check(d, 886) == BST_UNCHECKED);
+        EXPECT_TRUE(Shown(d, 820) == custom && Shown(d, 821) == custom && Shown(d, 822) == !custom);
     };
     const struct {
         const char* why;
@@ -456,53 +453,42 @@ TEST_P(Dialogs, GeoidPanel) {
         double height;
         const char* fileAfter;
     } cases[] = {
-        {"no path: Custom, the height in six places; the typed height is taken", "",
-         [&](CDialog& d) {
-             custom(d);
+        {"no path: Custom, the height in six places; the typed height is taken", "", [&](CDialog& d) {
+             state(d, true);
              EXPECT_EQ(" 12.50", Text(d, 820));
              Type(d, 820, "35.7");
              Click(d, IDOK);
-         },
-         IDOK, 35.7, ""},
-        {"a path: From file showing it; OK keeps both", "/geoid/egm96.grd",
-         [&](CDialog& d) {
-             fromFile(d);
+         }, IDOK, 35.7, ""},
+        {"a path: From file showing it; OK keeps both", "/geoid/egm96.grd", [&](CDialog& d) {
+             state(d, false);
              EXPECT_EQ("/geoid/egm96.grd", std::string(Item<CInFileCtrl>(d, 822).GetPathName()));
              Click(d, IDOK);
-         },
-         IDOK, 12.5, "/geoid/egm96.grd"},
-        {"a chosen file stays chosen after Cancel", "",
-         [&](CDialog& d) {
+         }, IDOK, 12.5, "/geoid/egm96.grd"},
+        {"a chosen file stays chosen after Cancel", "", [&](CDialog& d) {
              Click(d, 887);
-             fromFile(d);
+             state(d, false);
              EXPECT_TRUE(Item<CInFileCtrl>(d, 822).ChoosePath("/geoid/new.grd"));
              Click(d, IDCANCEL);
-         },
-         IDCANCEL, 12.5, "/geoid/new.grd"},
-        {"each click on Custom resets the height", "/geoid/old.grd",
-         [&](CDialog& d) {
+         }, IDCANCEL, 12.5, "/geoid/new.grd"},
+        {"each click on Custom resets the height", "/geoid/old.grd", [&](CDialog& d) {
              Click(d, 886);
-             custom(d);
+             state(d, true);
              Type(d, 820, "7");
              Click(d, 886);
              EXPECT_EQ("0.0", Text(d, 820));
              Click(d, IDOK);
-         },
-         IDOK, 0.0, ""},
+         }, IDOK, 0.0, ""},
         {"a height that is not a number is 0", "",
          [](CDialog& d) {
              Type(d, 820, "abc");
              Click(d, IDOK);
-         },
-         IDOK, 0.0, ""},
-        {"a refused OK has written the height already", "",
-         [](CDialog& d) {
+         }, IDOK, 0.0, ""},
+        {"a refused OK has written the height already", "", [](CDialog& d) {
              Pick(d, 806, "Krassovsky 1940");
              Type(d, 820, "35.7");
              Click(d, IDOK);
              Click(d, IDCANCEL);
-         },
-         IDCANCEL, 35.7, ""},
+         }, IDCANCEL, 35.7, ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
