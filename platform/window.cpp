@@ -152,6 +152,44 @@ CWnd* CWnd::GetDlgItem(int id) const {
     return nullptr;
 }
 
+CWnd* CWnd::GetWindow(UINT command) const {
+    if (command == GW_CHILD) {
+        for (HWND h : m_children)
+            if (CWnd* child = WindowOf(h)) return child;
+        return nullptr;
+    }
+    const CWnd* parent = GetParent();
+    if (!parent || (command != GW_HWNDNEXT && command != GW_HWNDPREV)) return nullptr;
+    const auto& siblings = parent->m_children;
+    auto at = std::find(siblings.begin(), siblings.end(), m_hOwnHandle);
+    if (at == siblings.end()) return nullptr;
+    if (command == GW_HWNDNEXT) {
+        for (++at; at != siblings.end(); ++at)
+            if (CWnd* w = WindowOf(*at)) return w;
+        return nullptr;
+    }
+    while (at != siblings.begin())
+        if (CWnd* w = WindowOf(*--at)) return w;
+    return nullptr;
+}
+
+LRESULT CWnd::SendDlgItemMessage(int id, UINT message, WPARAM wParam, LPARAM lParam) const {
+    const CWnd* item = GetDlgItem(id);
+    return item ? item->SendMessage(message, wParam, lParam) : 0;
+}
+
+void CWnd::SetDlgItemText(int id, LPCTSTR text) { SendDlgItemMessage(id, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)); }
+
+int CWnd::GetDlgItemText(int id, CString& text) const {
+    text.Empty();
+    if (const CWnd* item = GetDlgItem(id)) item->GetWindowText(text);
+    return text.GetLength();
+}
+
+void CWnd::CheckDlgButton(int id, UINT check) { SendDlgItemMessage(id, BM_SETCHECK, check); }
+
+UINT CWnd::IsDlgButtonChecked(int id) const { return static_cast<UINT>(SendDlgItemMessage(id, BM_GETCHECK)); }
+
 CWnd* CWnd::GetNextDlgGroupItem(CWnd* control, BOOL previous) const {
     std::vector<CWnd*> children;
     for (HWND h : m_children)

@@ -1,7 +1,6 @@
-// The file control over a dialog's static placeholder: its layout, the
-// message its parent gets on every change of the path, what a user can reach,
-// the browse button through a window back end; and typing over the whole text
-// of a masked edit, as the scripted user does.
+// The file control over a dialog's static placeholder: layout, a report to
+// the parent per change of the path, what a user can reach, the browse button
+// through a window back end; and typing over a masked edit's whole text.
 #include <mapwright/basalt.h>
 #include <mapwright/basalt_controls.h>
 
@@ -13,7 +12,7 @@
 
 namespace {
 
-// A parent that records every path change its file control reports.
+// A parent that records what its file control reports.
 class Host : public CWnd {
 public:
     std::vector<std::string> reports;
@@ -31,86 +30,37 @@ BEGIN_MESSAGE_MAP(Host, CWnd)
     ON_MESSAGE(WM_INFILECTRL_CHANGED, &Host::OnFileChanged)
 END_MESSAGE_MAP()
 
-// What a dialog does: the placeholder of its template, bound and created.
-class FileControlTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_placeholder.Create("StaticGeoidFile", WS_CHILD | WS_VISIBLE, RECT{231, 30, 395, 62}, &m_host, 822));
-        ASSERT_TRUE(m_file.SubclassDlgItem(822, &m_host));
-        ASSERT_TRUE(m_file.Create(1, "Geoid (*.grd)|*.grd||", nullptr, 8, "\\Processing"));
+// What a dialog does: its template's placeholder, bound and created.
+struct Rig {
+    Rig() {
+        placeholder.Create("StaticGeoidFile", WS_CHILD | WS_VISIBLE, RECT{231, 30, 395, 62}, &host, 822);
+        file.SubclassDlgItem(822, &host);
+        file.Create(1, "Geoid (*.grd)|*.grd||", nullptr, 8, "\\Processing");
     }
-    void TearDown() override { MwSetWindowBackEnd(nullptr); }
-
-    Host m_host;
-    CStatic m_placeholder;
-    CInFileCtrl m_file;
+    Host host;
+    CStatic placeholder;
+    CInFileCtrl file;
 };
 
-std::vector<LONG> RectOf(const CWnd& window) {
+bool RectIs(const CWnd& window, LONG left, LONG top, LONG right, LONG bottom) {
     RECT r{};
     window.GetWindowRect(&r);
-    return {r.left, r.top, r.right, r.bottom};
+    return r.left == left && r.top == top && r.right == right && r.bottom == bottom;
 }
 
-TEST_F(FileControlTest, FillsThePlaceholderWithAnEditAndAButton) {
-    EXPECT_EQ(m_host.GetDlgItem(822), &m_file);
-    EXPECT_EQ(RectOf(m_file), (std::vector<LONG>{231, 30, 395, 62}));
+TEST(FileControl, FillsThePlaceholderWithAnEditAndAButton) {
+    Rig rig;
+    EXPECT_EQ(rig.host.GetDlgItem(822), &rig.file);
     // 164 units wide: the button takes the last 8, the edit the rest less a gap of 2.
-    EXPECT_EQ(RectOf(m_file.GetPathEdit()), (std::vector<LONG>{0, 0, 154, 12}));
-    EXPECT_EQ(RectOf(m_file.GetBrowseButton()), (std::vector<LONG>{156, 0, 164, 12}));
-    EXPECT_FALSE(m_file.Create(1, nullptr, nullptr, 8, nullptr)) << "created once";
-
-    m_file.ShowWindow(SW_HIDE);
-    EXPECT_FALSE(m_file.GetPathEdit().IsWindowVisible()) << "hidden as a whole";
-    EXPECT_FALSE(m_file.GetBrowseButton().IsWindowVisible());
+    EXPECT_TRUE(RectIs(rig.file.GetPathEdit(), 0, 0, 154, 12));
+    EXPECT_TRUE(RectIs(rig.file.GetBrowseButton(), 156, 0, 164, 12));
+    EXPECT_FALSE(rig.file.Create(1, nullptr, nullptr, 8, nullptr)) << "created once";
+    rig.file.ShowWindow(SW_HIDE);
+    EXPECT_FALSE(rig.file.GetPathEdit().IsWindowVisible() || rig.file.GetBrowseButton().IsWindowVisible())
+        << "hidden as a whole";
 }
 
-TEST_F(FileControlTest, EveryChangeOfThePathIsReported) {
-    const struct {
-        const char* why;
-        std::function<BOOL(CInFileCtrl&, Host&)> act;
-        BOOL accepted;
-        std::vector<std::string> reports;
-    } cases[] = {
-        {"the program sets a path",
-         [](CInFileCtrl& f, Host&) {
-             f.SetPathName("/data/egm.grd");
-             return TRUE;
-         },
-         TRUE, {"822 /data/egm.grd"}},
-        {"the user picks a file", [](CInFileCtrl& f, Host&) { return f.ChoosePath("/data/a b.grd"); }, TRUE,
-         {"822 /data/a b.grd"}},
-        {"the user types a path", [](CInFileCtrl& f, Host&) { return f.GetPathEdit().TypeText("/x"); }, TRUE,
-         {"822 /", "822 /x"}},
-        {"a hidden control cannot be reached",
-         [](CInFileCtrl& f, Host&) {
-             f.ShowWindow(SW_HIDE);
-             return f.ChoosePath("/data/egm.grd");
-         },
-         FALSE, {}},
-        {"nor one in a disabled window",
-         [](CInFileCtrl& f, Host& h) {
-             h.EnableWindow(FALSE);
-             return f.ChoosePath("/data/egm.grd");
-         },
-         FALSE, {}},
-        {"the browse button without a window back end chooses nothing",
-         [](CInFileCtrl& f, Host&) { return f.GetBrowseButton().Click(); }, TRUE, {}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
-        Host host;
-        CStatic placeholder;
-        CInFileCtrl file;
-        placeholder.Create("", WS_CHILD | WS_VISIBLE, RECT{0, 0, 100, 20}, &host, 822);
-        file.SubclassDlgItem(822, &host);
-        file.Create(1, nullptr, nullptr, 8, nullptr);
-        EXPECT_EQ(c.act(file, host), c.accepted);
-        EXPECT_EQ(host.reports, c.reports);
-    }
-}
-
-TEST_F(FileControlTest, TheBrowseButtonOpensTheBackEndsFileDialog) {
+TEST(FileControl, EveryChangeOfThePathIsReported) {
     static std::string asked;
     MwWindowBackEnd backEnd{};
     backEnd.chooseFile = [](HWND, BOOL open, LPCSTR filter, LPCSTR, LPCSTR dir, CString& path, void*) -> BOOL {
@@ -118,14 +68,35 @@ TEST_F(FileControlTest, TheBrowseButtonOpensTheBackEndsFileDialog) {
         path = "/picked.grd";
         return TRUE;
     };
-    MwSetWindowBackEnd(&backEnd);
+    const struct {
+        const char* why;
+        std::function<BOOL(Rig&)> act;
+        BOOL accepted;
+        std::vector<std::string> reports;
+    } cases[] = {
+        {"the program sets a path", [](Rig& r) { r.file.SetPathName("/egm.grd"); return TRUE; }, TRUE, {"822 /egm.grd"}},
+        {"the user picks a file", [](Rig& r) { return r.file.ChoosePath("/a b.grd"); }, TRUE, {"822 /a b.grd"}},
+        {"the user types a path", [](Rig& r) { return r.file.GetPathEdit().TypeText("/x"); }, TRUE, {"822 /", "822 /x"}},
+        {"a hidden control cannot be reached", [](Rig& r) { r.file.ShowWindow(SW_HIDE); return r.file.ChoosePath("/e"); },
+         FALSE, {}},
+        {"nor one in a disabled window", [](Rig& r) { r.host.EnableWindow(FALSE); return r.file.ChoosePath("/e"); },
+         FALSE, {}},
+        {"browsing without a window back end chooses nothing", [](Rig& r) { return r.file.GetBrowseButton().Click(); },
+         TRUE, {}},
+        {"browsing through the back end's file dialog",
+         [&](Rig& r) { MwSetWindowBackEnd(&backEnd); return r.file.GetBrowseButton().Click(); }, TRUE,
+         {"822 /picked.grd"}},
+    };
     SetAppDir("/srv/app");
-    m_file.SetPathName("/old.grd");
-    m_host.reports.clear();
-    EXPECT_TRUE(m_file.GetBrowseButton().Click());
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.why);
+        Rig rig;
+        EXPECT_EQ(c.act(rig), c.accepted);
+        EXPECT_EQ(rig.host.reports, c.reports);
+    }
+    MwSetWindowBackEnd(nullptr);
     SetAppDir(nullptr);
-    EXPECT_EQ(asked, "1 Geoid (*.grd)|*.grd|| /srv/app/Processing /old.grd") << "\\Processing is under the application directory";
-    EXPECT_EQ(m_host.reports, std::vector<std::string>{"822 /picked.grd"});
+    EXPECT_EQ(asked, "1 Geoid (*.grd)|*.grd|| /srv/app/Processing ") << "\\Processing is under the application directory";
 }
 
 TEST(MaskedTyping, TypingReplacesTheWholeTextUnderTheMask) {

@@ -70,6 +70,11 @@ typedef const RECT* LPCRECT;
 #define SW_SHOW 5
 #define SW_SHOWNA 8
 
+// GetWindow.
+#define GW_HWNDNEXT 2
+#define GW_HWNDPREV 3
+#define GW_CHILD 5
+
 // Styles the model reads.
 #define WS_CHILD 0x40000000u
 #define WS_VISIBLE 0x10000000u
@@ -256,6 +261,18 @@ public:
     CWnd* GetParent() const;
     // The first child with this id, in creation (template) order, or null.
     CWnd* GetDlgItem(int id) const;
+    // GW_CHILD: the first child; GW_HWNDNEXT, GW_HWNDPREV: the sibling after
+    // or before this window, in creation (template, tab) order. Null when
+    // there is none.
+    CWnd* GetWindow(UINT command) const;
+    // Shorthands over GetDlgItem, as MFC has them; nothing happens (the empty
+    // text, 0) for an id the window does not have.
+    LRESULT SendDlgItemMessage(int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
+    void SetDlgItemText(int id, LPCTSTR text);
+    int GetDlgItemText(int id, CString& text) const;
+    void CheckDlgButton(int id, UINT check);
+    UINT IsDlgButtonChecked(int id) const;
+
     // The next (or previous) control of `control`'s group among this
     // window's children, going round within the group. A group runs from a
     // child with WS_GROUP (or the first child) up to the next with WS_GROUP.
