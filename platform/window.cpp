@@ -135,6 +135,7 @@ BOOL CWnd::SubclassDlgItem(UINT id, CWnd* parent) {
     TakeWindowState(*window);
     m_hParent = parent->m_hOwnHandle;
     parent->ReplaceChild(window->m_hOwnHandle, m_hOwnHandle);
+    window->m_hParent = nullptr;
     // The window made from the template is now this object.
     auto& owned = parent->m_ownedChildren;
     auto it = std::find_if(owned.begin(), owned.end(), [window](const auto& p) { return p.get() == window; });

@@ -1,6 +1,6 @@
 // Modal dialogs played by a scripted user: the template's controls, members
-// bound by DDX_Control, message maps chained to the base's,
-// notifications in Windows' order, auto radio groups, what DoModal returns.
+// bound by DDX_Control, message maps chained to the base's, notifications in
+// Windows' order, auto radio groups, what DoModal returns.
 #include <mapwright/afxext.h>
 #include <mapwright/afxwin.h>
 #include <mapwright/resources.h>
@@ -23,10 +23,12 @@ std::string TextOf(const CWnd& window) {
     return text.GetString();
 }
 
-// Template 100 of dialog_test.rc; logs every handler it runs.
+// Template 100 of dialog_test.rc; logs every handler it runs. `extraId`
+// binds one more control, `endInInit` ends the dialog in OnInitDialog.
 class TestDialog : public CDialog {
 public:
-    explicit TestDialog(UINT id = 100, int endInInit = 0) : CDialog(id), m_endInInit(endInInit) {}
+    explicit TestDialog(UINT id = 100, int endInInit = 0, int extraId = 0)
+        : CDialog(id), m_endInInit(endInInit), m_extraId(extraId) {}
     BOOL OnInitDialog() override {
         CDialog::OnInitDialog();
         for (const char* item : {"one", "two", "three"}) m_list.AddString(item);
@@ -37,18 +39,19 @@ public:
     CButton& Button(int id) { return dynamic_cast<CButton&>(*GetDlgItem(id)); }
 
     Log log;
-    int m_endInInit;
-    CButton m_ok, m_radioA;
+    int m_endInInit, m_extraId;
+    CButton m_radioA;
     CComboBox m_list;
     CEdit m_edit;
+    CStatic m_extra;
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override {
         CDialog::DoDataExchange(pDX);
-        DDX_Control(pDX, IDOK, m_ok);
         DDX_Control(pDX, 10, m_list);
         DDX_Control(pDX, 11, m_edit);
         DDX_Control(pDX, 20, m_radioA);
+        if (m_extraId) DDX_Control(pDX, m_extraId, m_extra);
     }
     afx_msg void OnDropDown() { log.push_back("drop"); }
     afx_msg void OnListChanged() { log.push_back("list " + TextOf(m_list)); }
@@ -89,9 +92,10 @@ protected:
     // DoModal with `user` as the scripted user (none when empty).
     INT_PTR Run(TestDialog& dialog, User user) {
         m_user = std::move(user);
-        if (m_user)
-            MwSetDialogUser([](CDialog& d, void* u) { (*static_cast<User*>(u))(dynamic_cast<TestDialog&>(d)); },
-                            &m_user);
+        MW_DIALOG_USER play = [](CDialog& d, void* u) {
+            (*static_cast<User*>(u))(dynamic_cast<TestDialog&>(d));
+        };
+        MwSetDialogUser(m_user ? play : nullptr, &m_user);
         return dialog.DoModal();
     }
     User m_user;
@@ -142,7 +146,6 @@ TEST_F(DialogTest, AutoRadioButtonsUncheckOnlyTheirGroup) {
         {{23, 23}, {0, 0, 0, 1}}, {{21, 23, 20, 22}, {1, 0, 1, 0}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::PrintToString(c.clicks));
         TestDialog dialog;
         std::vector<int> checks;
         Run(dialog, [&](TestDialog& d) {
@@ -150,44 +153,44 @@ TEST_F(DialogTest, AutoRadioButtonsUncheckOnlyTheirGroup) {
             for (int id = 20; id <= 23; ++id) checks.push_back(static_cast<int>(d.IsDlgButtonChecked(id)));
             d.EndDialog(IDCANCEL);
         });
-        EXPECT_EQ(checks, c.checks);
+        EXPECT_EQ(checks, c.checks) << ::testing::PrintToString(c.clicks);
     }
 }
 
 TEST_F(DialogTest, DoModalReturnsWhatEndedTheDialog) {
+    const auto ok = [](TestDialog& d) { d.Button(IDOK).Click(); };
+    const auto user = [](TestDialog& d) { d.log.push_back("user"); };
     const struct {
         const char* why;
-        UINT id;
-        int endInInit;
+        std::vector<int> dialog;  // the arguments of TestDialog
         User user;
         INT_PTR result;
         Log log;
     } cases[] = {
-        {"OK reaches OnOK", 100, 0, [](TestDialog& d) { d.m_ok.Click(); }, IDOK, {"init"}},
-        {"Cancel reaches OnCancel", 100, 0, [](TestDialog& d) { d.Button(IDCANCEL).Click(); }, IDCANCEL, {"init"}},
-        {"the close box is Cancel", 100, 0, [](TestDialog& d) { d.SendMessage(WM_CLOSE); }, IDCANCEL, {"init"}},
-        {"EndDialog's code; later actions are refused", 100, 0,
-         [](TestDialog& d) { d.EndDialog(42); d.log.push_back(d.m_ok.Click() || d.m_list.Pick(0) ? "acted" : "-"); },
+        {"OK reaches OnOK", {100, 0, 0}, ok, IDOK, {"init"}},
+        {"Cancel reaches OnCancel", {100, 0, 0}, [](TestDialog& d) { d.Button(IDCANCEL).Click(); }, IDCANCEL, {"init"}},
+        {"the close box is Cancel", {100, 0, 0}, [](TestDialog& d) { d.SendMessage(WM_CLOSE); }, IDCANCEL, {"init"}},
+        {"EndDialog's code; later actions are refused", {100, 0, 0},
+         [](TestDialog& d) { d.EndDialog(42); d.log.push_back(d.Button(IDOK).Click() || d.m_list.Pick(0) ? "acted" : "-"); },
          42, {"init", "-"}},
-        {"the user leaves without ending it", 100, 0, [](TestDialog&) {}, -1, {"init"}},
-        {"ended in OnInitDialog: never shown to the user", 100, 5, [](TestDialog& d) { d.log.push_back("user"); }, 5,
-         {"init"}},
-        {"a template no module has", 101, 0, [](TestDialog& d) { d.log.push_back("user"); }, -1, {}},
-        {"no scripted user, no back end: nothing of the dialog runs", 100, 0, nullptr, -1, {}},
+        {"a failed exchange keeps OK from ending it", {100, 0, 99}, ok, -1, {"init"}},
+        {"the user leaves without ending it", {100, 0, 0}, [](TestDialog&) {}, -1, {"init"}},
+        {"ended in OnInitDialog: never shown to the user", {100, 5, 0}, user, 5, {"init"}},
+        {"a template no module has", {101, 0, 0}, user, -1, {}},
+        {"no scripted user, no back end: nothing of the dialog runs", {100, 0, 0}, nullptr, -1, {}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
-        TestDialog dialog(c.id, c.endInInit);
+        TestDialog dialog(static_cast<UINT>(c.dialog[0]), c.dialog[1], c.dialog[2]);
         EXPECT_EQ(Run(dialog, c.user), c.result);
         EXPECT_EQ(dialog.log, c.log);
-        MwSetDialogUser(nullptr, nullptr);
     }
 }
 
 TEST_F(DialogTest, TemplateControlsAreBuiltAndMembersBound) {
     TestDialog dialog;
-    for (int run = 0; run < 2; ++run) {
-        SCOPED_TRACE(run ? "second DoModal of the same object" : "first DoModal");
+    for (const char* run : {"first DoModal", "second DoModal of the same object"}) {
+        SCOPED_TRACE(run);
         Run(dialog, [](TestDialog& d) {
             EXPECT_EQ(TextOf(d), "Test dialog");
             EXPECT_TRUE(d.IsWindowVisible());
@@ -203,7 +206,6 @@ TEST_F(DialogTest, TemplateControlsAreBuiltAndMembersBound) {
             label->GetWindowRect(&r);
             EXPECT_EQ(TextOf(*label), "File");
             EXPECT_TRUE(r.left == 5 && r.top == 55 && r.right == 155 && r.bottom == 75);
-            EXPECT_EQ(d.GetDlgItem(99), nullptr);
             d.EndDialog(IDOK);
         });
         EXPECT_EQ(dialog.GetDlgItem(30), nullptr) << "the template's windows go with the dialog";

@@ -572,6 +572,9 @@ public:
     virtual BOOL OnInitDialog();
 
     UINT GetTemplateId() const { return m_nIDTemplate; }
+    // The window given as parent: the dialog's owner (a dialog is a
+    // top-level window, so GetParent gives null), or null.
+    CWnd* GetOwner() const { return m_pParentWnd; }
     // The template of the current DoModal (for a window back end), or null.
     const MwDialogTemplate* GetTemplate() const { return m_pTemplate; }
     // Whether the dialog is in its modal run and not yet ended.
