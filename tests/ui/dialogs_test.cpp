@@ -243,7 +243,9 @@ TEST_P(Dialogs, OpensOnTheRecord) {
             for (int row = 0; row < 5; ++row) {
                 SCOPED_TRACE(row + 1);
                 EXPECT_EQ(c.rows[row] != nullptr, Shown(d, 801 + row));
-                EXPECT_EQ(c.rows[row] ? c.rows[row] : Text(d, 801 + row), Text(d, 801 + row));
+                if (c.rows[row]) {
+                    EXPECT_EQ(c.rows[row], Text(d, 801 + row));
+                }
             }
             EXPECT_EQ(c.ellipsoid, Text(d, 806));
             EXPECT_EQ(c.datumName, Text(d, 807));
@@ -291,7 +293,9 @@ TEST_P(Dialogs, RowsFollowTheKind) {
                 const Row& r = c.rows[row];
                 EXPECT_EQ(r.label ? GetResourceString(r.label).GetString() : "", Text(d, 812 + row));
                 EXPECT_EQ(r.label != 0, Shown(d, 801 + row));
-                EXPECT_EQ(r.label ? r.text : Text(d, 801 + row), Text(d, 801 + row));
+                if (r.label) {
+                    EXPECT_EQ(r.text, Text(d, 801 + row));
+                }
                 if (!r.mask) continue;
                 EXPECT_EQ(r.mask, std::string(Item<CMaskEdit>(d, 801 + row).GetMask()));
                 EXPECT_EQ(r.valid, std::string(Item<CMaskEdit>(d, 801 + row).GetValid()));
