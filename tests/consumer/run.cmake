@@ -21,6 +21,9 @@ run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 # The application directory is left to its default, so the shipped catalogs
 # are found beside the installed library and seeded into a fresh data home.
 set(ENV{XDG_DATA_HOME} "${WORK_DIR}/data-home")
+# The dialog saves the chosen system in a registry of this run alone.
+set(ENV{XDG_CONFIG_HOME} "${WORK_DIR}/config-home")
+unset(ENV{MAPWRIGHT_REGISTRY})
 unset(ENV{MAPWRIGHT_APPDIR})
 
 # The converted point's line, exactly, in English and in Russian (the
@@ -41,12 +44,22 @@ if(NOT LAST_OUTPUT MATCHES "datum 3: WGS 84" OR NOT LAST_OUTPUT MATCHES "Krassov
   message(FATAL_ERROR "unexpected output")
 endif()
 check_line("${LAST_OUTPUT}" "6179766.95, 413224.14 (UTM, UTM Zone  37 / WGS 84)")
+# The scripted user's choice, as the dialog stored it.
+set(saved_gk "saved: ProjectionIndex=3 DatumIndex=4 scale=1 c_lon=39.000000 lat_origin=0.000000 fe=7500000 fn=0\n")
+function(check_dialog output)
+  string(FIND "${output}" "dialog 1: Gauss-Kruger on Pulkovo 1942\n${saved_gk}" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "the dialog did not save Gauss-Kruger on Pulkovo 1942")
+  endif()
+endfunction()
+check_dialog("${LAST_OUTPUT}")
 
 set(ENV{MAPWRIGHT_UI_LANG} "ru")
 run("${WORK_DIR}/build/consumer")
 message("${LAST_OUTPUT}")
 check_line("${LAST_OUTPUT}"
   "6179766.95, 413224.14 (Универсальная поперечная Меркатора, Номер зоны  37 / WGS 84)")
+check_dialog("${LAST_OUTPUT}")
 set(ENV{MAPWRIGHT_UI_LANG} "en")
 
 file(GLOB pcdirs "${prefix}/lib*/pkgconfig" "${prefix}/lib*/*/pkgconfig")

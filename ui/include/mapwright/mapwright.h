@@ -1,8 +1,8 @@
 // Mapwright: map projections and datum conversion.
 // Everything a host uses: the string class, the reference-system,
 // coordinate and conversion classes and their records, the Basalt
-// functions, and the platform calls a host or a test may need (profile and
-// registry functions, message boxes, language).
+// functions, the two dialogs, and the platform calls a host or a test may
+// need (profile and registry functions, message boxes, language).
 #ifndef MAPWRIGHT_MAPWRIGHT_H
 #define MAPWRIGHT_MAPWRIGHT_H
 
@@ -23,5 +23,6 @@
 #include <mapwright/GeoReferenceData.h>
 #include <mapwright/GeoCoord.h>
 #include <mapwright/GeoTransform.h>
+#include <mapwright/dialogs.h>
 
 #endif
