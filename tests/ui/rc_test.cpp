@@ -148,10 +148,6 @@ TEST(ResourceCompiler, RejectsWhatItCannotReadWithFileLineAndReason) {
     } cases[] = {
         {"LANGUAGE LANG_ENGLISH, SUBLANG_ENGLISH_US\nFROB 12\n", 2, "unknown statement 'FROB'"},
         {table + "1 \"abc\nEND\n", 3, "unterminated string"},
-        {table + "1 \"\xE6\x97\xA5\"\nEND\n", 3, "character '\xE6\x97\xA5' (U+65E5) is not in Windows-1251"},
-        {table + "1 \"\xDF\xBF\"\nEND\n", 3, "character '\xDF\xBF' (U+07FF) is not in Windows-1251"},
-        {table + "1 \"\xC2\x80\"\nEND\n", 3, "character U+0080 is not in Windows-1251"},
-        {table + "1 \"\xF0\x9F\x98\x80\"\nEND\n", 3, "character '\xF0\x9F\x98\x80' (U+1F600) is not in Windows-1251"},
         {table + "1 L\"\\x4E00\"\nEND\n", 3, "character '\xE4\xB8\x80' (U+4E00) is not in Windows-1251"},
         {table + "\"no id\"\nEND\n", 3, "missing string id"},
         {dialog + "BEGIN\n    LTEXT \"D\", , 73, 167, 24, 8\nEND\n", 3, "missing control id"},
@@ -189,9 +185,21 @@ TEST(ResourceCompiler, RejectsWhatItCannotReadWithFileLineAndReason) {
         EXPECT_EQ(std::make_pair(1, file + ":" + std::to_string(c.line) + ": " + reason + "\n"), Compile(dir, script));
         EXPECT_FALSE(mwtest::FileExists(dir.file("out.cpp")));
     }
+    // Each length of UTF-8 sequence, at both ends of its range, decoded.
+    const char* chars[][2] = {{"\xC2\x80", "U+0080"}, {"\xDF\xBF", "'\xDF\xBF' (U+07FF)"},
+                              {"\xE0\xA0\x80", "'\xE0\xA0\x80' (U+0800)"}, {"\xE6\x97\xA5", "'\xE6\x97\xA5' (U+65E5)"},
+                              {"\xED\x9F\xBF", "'\xED\x9F\xBF' (U+D7FF)"}, {"\xEE\x80\x80", "'\xEE\x80\x80' (U+E000)"},
+                              {"\xEF\xBF\xBD", "'\xEF\xBF\xBD' (U+FFFD)"}, {"\xF0\x90\x80\x80", "'\xF0\x90\x80\x80' (U+10000)"},
+                              {"\xF4\x8F\xBF\xBF", "'\xF4\x8F\xBF\xBF' (U+10FFFF)"}};
+    for (const auto& [bytes, described] : chars) {
+        mwtest::WriteFile(script, table + "1 \"" + bytes + "\"\nEND\n");
+        EXPECT_EQ(std::make_pair(1, script + ":3: character " + described + " is not in Windows-1251\n"),
+                  Compile(dir, script)) << described;
+    }
     // Anything that is not UTF-8 is refused before a token is read, even in a comment.
     for (const char* bad : {"\x80", "\xBF", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF4\x90\x80\x80",
-                            "\xF5\x80\x80\x80", "\xE6\x97", "\xC2\x41", "\xFF"}) {
+                            "\xF5\x80\x80\x80", "\xE6\x97", "\xC2\x41", "\xFF",
+                            "\xED\xBF\xBF", "\xF0\x8F\xBF\xBF"}) {
         mwtest::WriteFile(script, std::string("// ok\n// ") + bad);
         EXPECT_EQ(std::make_pair(1, script + ":2: invalid UTF-8 (scripts are read as UTF-8)\n"), Compile(dir, script))
             << std::hex << int(static_cast<unsigned char>(bad[0]));
@@ -204,7 +212,7 @@ TEST(ResourceCompiler, GoodScriptCompilesAndListsWhatItRead) {
     mwtest::WriteFile(dir.file("data.bin"), std::string("\x01\x00\x02", 3));
     mwtest::WriteFile(dir.file("good.rc"), "\xEF\xBB\xBF#pragma code_page(65001)\n#include \"ids.h\"\n"
                                            "LANGUAGE LANG_RUSSIAN, SUBLANG_DEFAULT\nSTRINGTABLE\nBEGIN\n"
-                                           "    IDS_HELLO \"\xD0\x9F\xD1\x80\"\nEND\n5 RCDATA \"data.bin\"\n");
+                                           "    IDS_HELLO \"\xD0\x9F\xD1\x80\"\nEND\n5 RCDATA \"data.bin\"\n// \xD0\x9F");
     EXPECT_EQ(std::make_pair(0, std::string()), Compile(dir, dir.file("good.rc"), "--depfile " + dir.file("out.d")));
     EXPECT_TRUE(mwtest::FileExists(dir.file("out.cpp")));
     const std::string deps = mwtest::ReadFile(dir.file("out.d"));
