@@ -24,7 +24,7 @@
 #define INTERPOSE extern "C" __attribute__((visibility("default")))
 
 namespace {
-enum class Fault { None, CrashAtRename, FailRename, FailFsync, NoDirFlock };
+enum class Fault { None, CrashAtRename, FailRename, FailFsync, NoDirFlock, ReadEintr, ReadEio, WriteEintr };
 std::atomic<Fault> g_fault{Fault::None};
 constexpr int kCrash = 86;
 template <typename F>
@@ -43,6 +43,26 @@ INTERPOSE int fsync(int fd) {
     if (g_fault == Fault::FailFsync) return Fail();
     static auto real = Next<int (*)(int)>("fsync");
     return real(fd);
+}
+
+// One interrupted or failed call, then the real thing.
+INTERPOSE ssize_t read(int fd, void* buf, size_t n) {
+    if (g_fault == Fault::ReadEintr || g_fault == Fault::ReadEio) {
+        errno = g_fault.exchange(Fault::None) == Fault::ReadEintr ? EINTR : EIO;
+        return -1;
+    }
+    static auto real = Next<ssize_t (*)(int, void*, size_t)>("read");
+    return real(fd, buf, n);
+}
+
+INTERPOSE ssize_t write(int fd, const void* buf, size_t n) {
+    Fault expected = Fault::WriteEintr;
+    if (g_fault.compare_exchange_strong(expected, Fault::None)) {
+        errno = EINTR;
+        return -1;
+    }
+    static auto real = Next<ssize_t (*)(int, const void*, size_t)>("write");
+    return real(fd, buf, n);
 }
 
 // As some network file systems do: no flock() on a directory.
@@ -423,6 +443,23 @@ TEST(ProfileAtomic, FailedWriteLeavesOldFileAndNoTemporary) {
         EXPECT_EQ(ReadFile(dir.file("a.ini")), "[S]\r\nK=1\r\n");
         EXPECT_EQ(Entries(dir.path()), Names{"a.ini"});
     }
+}
+
+TEST(ProfileAtomic, InterruptedCallsAreRetriedAndFailedReadsReported) {
+    TempDir dir;
+    const std::string file = dir.file("a.ini");
+    WriteFile(file, "[S]\r\nK=1\r\n");
+    g_fault = Fault::ReadEintr;
+    EXPECT_EQ(Get(file, "S", "K"), "1");
+    g_fault = Fault::WriteEintr;
+    EXPECT_TRUE(Put(file, "S", "K", "2"));
+    EXPECT_EQ(g_fault, Fault::None) << "the fault was met";
+    g_fault = Fault::ReadEio;
+    EXPECT_EQ(Get(file, "S", "K"), kDef);
+    g_fault = Fault::ReadEio;
+    EXPECT_FALSE(Put(file, "S", "K", "3")) << "a file that cannot be read is not rewritten";
+    g_fault = Fault::None;
+    EXPECT_EQ(ReadFile(file), "[S]\r\nK=2\r\n");
 }
 
 // Writer processes each append `per` sections; none is lost.
