@@ -1,8 +1,5 @@
 #include "testenv.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -67,29 +64,6 @@ IsolatedEnv::~IsolatedEnv() {
         value ? setenv(name, value, 1) : unsetenv(name);
         std::free(const_cast<char*>(value));
     }
-}
-
-bool RunInChildren(int count, const std::function<int(int index)>& body) {
-    std::vector<pid_t> children;
-    for (int i = 0; i < count; ++i) {
-        const pid_t pid = fork();
-        if (pid < 0) return false;
-        if (pid == 0) {
-            int status = 2;
-            try {
-                status = body(i);
-            } catch (...) {
-            }
-            _exit(status);
-        }
-        children.push_back(pid);
-    }
-    bool ok = true;
-    for (pid_t pid : children) {
-        int status = 0;
-        ok = waitpid(pid, &status, 0) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0 && ok;
-    }
-    return ok;
 }
 
 }  // namespace mwtest

@@ -1,9 +1,7 @@
-// Test support: temporary directories, whole files, a private environment
-// and child processes.
+// Test support: temporary directories, whole files, a private environment.
 #ifndef MAPWRIGHT_TESTS_TESTENV_H
 #define MAPWRIGHT_TESTS_TESTENV_H
 
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,9 +27,9 @@ std::string ReadFile(const std::string& path);
 bool FileExists(const std::string& path);
 std::string ShippedCatalogDir();  // "<data>/Auxiliary Data" of the source tree
 
-// Points MAPWRIGHT_APPDIR at a private directory with copies of the shipped
-// catalogs (or none) and MAPWRIGHT_REGISTRY at a private file; restores them,
-// HOME and the XDG variables afterwards, whatever the test changed.
+// MAPWRIGHT_APPDIR at a private directory with copies of the shipped catalogs
+// (or none), MAPWRIGHT_REGISTRY at a private file; both, HOME and the XDG
+// variables restored afterwards.
 class IsolatedEnv {
 public:
     explicit IsolatedEnv(bool withCatalogs = true);
@@ -47,10 +45,6 @@ private:
     std::string m_appDir, m_registry;
     std::vector<std::pair<const char*, const char*>> m_saved;  // name, strdup'ed value or null
 };
-
-// Runs `body` in `count` forked children at once; true when every one
-// returned 0 from `body`.
-bool RunInChildren(int count, const std::function<int(int index)>& body);
 
 }  // namespace mwtest
 
