@@ -9,16 +9,12 @@
 
 namespace {
 
-TEST(CString, ConstructionComparisonAndCopies) {
-    EXPECT_TRUE(CString().IsEmpty());
+TEST(CString, BuildsComparesAndCopies) {
     EXPECT_TRUE(CString(static_cast<const char*>(nullptr)).IsEmpty());
     const CString text("WGS 84");
-    EXPECT_EQ(6, text.GetLength());
-    EXPECT_TRUE("WGS 84" == text && text != "WGS 72" && text == CString("WGS 84"));
-    EXPECT_EQ(0, text.CompareNoCase("wgs 84"));
+    EXPECT_TRUE("WGS 84" == text && text != "WGS 72" && text.GetLength() == 6 && !text.CompareNoCase("wgs 84"));
     EXPECT_LT(CString("A").Compare("B"), 0);
-    // A length bounds the copy and stops at a NUL, as for a fixed name field.
-    const char field[5] = {'a', 'b', 'c', 'd', 'e'};
+    const char field[5] = {'a', 'b', 'c', 'd', 'e'};  // a length bounds the copy and stops at a NUL
     EXPECT_EQ(CString("abcde"), CString(field, 5));
     EXPECT_EQ(CString("ab"), CString("ab\0cd", 5));
     EXPECT_EQ(CString("xxx"), CString('x', 3));
@@ -32,28 +28,12 @@ TEST(CString, ConstructionComparisonAndCopies) {
     EXPECT_EQ(CString("P (58)m"), a);
     EXPECT_TRUE(b.IsEmpty());
     EXPECT_EQ(CString("xa b"), "x" + CString("a") + " " + CString("b"));
-}
-
-TEST(CString, FormatWritesAnyLengthInTheCLocale) {
-    auto fmt = [](auto... args) {
-        CString s;
-        s.Format(args...);
-        return std::string(s.GetString());
-    };
-    EXPECT_EQ("6378137.000000", fmt("%lf", 6378137.0));
-    EXPECT_EQ("-72 37", fmt("%d %ld", -72, 37L));
-    EXPECT_EQ("055.7558000 N", fmt("%011.7f N", 55.7558));
-    EXPECT_EQ(std::string(1000, 'x') + "1", fmt("%s%d", std::string(1000, 'x').c_str(), 1));
-    CString s("a");
-    s.AppendFormat("%d%s", 2, "b");
-    EXPECT_EQ(CString("a2b"), s);
-}
-
-TEST(CString, BufferAccess) {
-    CString s("abc");
+    CString s;
+    s.Format("%s%011.7f", std::string(1000, 'x').c_str(), 55.7558);
+    s.AppendFormat("%d", -7);
+    EXPECT_EQ(std::string(1000, 'x') + "055.7558000-7", s.GetString());
     std::strcpy(s.GetBuffer(16), "longer text");
     s.ReleaseBuffer();
-    EXPECT_EQ(11, s.GetLength());
     EXPECT_STREQ("longer text", s.GetBuffer(0)) << "never less than the text";
     s.ReleaseBuffer(6);
     EXPECT_EQ(CString("longer"), s);
@@ -64,18 +44,10 @@ TEST(CString, BufferAccess) {
 
 TEST(CString, SubstringsAndSearchStayInRange) {
     CString s("North/South ");
-    EXPECT_EQ(CString("North"), s.Left(5));
-    EXPECT_EQ(CString("South "), s.Right(6));
-    EXPECT_EQ(CString("South"), s.Mid(6, 5));
-    EXPECT_EQ(CString(""), s.Mid(50));
-    EXPECT_EQ(CString(""), s.Left(-1));
+    EXPECT_EQ(CString("North|South |South||"), s.Left(5) + "|" + s.Right(6) + "|" + s.Mid(6, 5) + "|" + s.Mid(50) + "|" + s.Left(-1));
     EXPECT_EQ(s, s.Right(100));
-    EXPECT_EQ(5, s.Find('/'));
-    EXPECT_EQ(6, s.Find("South"));
-    EXPECT_EQ(-1, s.Find('x'));
-    EXPECT_EQ(-1, s.Find('N', 100));
-    EXPECT_EQ('\0', s.GetAt(100));
-    EXPECT_EQ('\0', s.GetAt(-1));
+    EXPECT_EQ(std::make_tuple(5, 6, -1, -1), std::make_tuple(s.Find('/'), s.Find("South"), s.Find('x'), s.Find('N', 100)));
+    EXPECT_EQ(0, s.GetAt(100) + s.GetAt(-1));
     s.SetAt(100, 'x');  // ignored
     EXPECT_EQ(CString("North/South "), s);
     EXPECT_EQ(CString("North/South"), CString(" \tNorth/South \r\n").Trim());
@@ -84,16 +56,13 @@ TEST(CString, SubstringsAndSearchStayInRange) {
 
 TEST(Codepage, EveryByteRoundTripsAndTheRestBecomesOneMark) {
     EXPECT_EQ("055\xC2\xB0 \xD0\x81\xD1\x91", AnsiToUtf8("055\xB0 \xA8\xB8"));
-    EXPECT_EQ("\xCE\xF2", Utf8ToAnsi("\xD0\x9E\xD1\x82"));
     std::string all;
     for (int b = 1; b < 256; ++b) all += char(b);
     std::string back = Utf8ToAnsi(AnsiToUtf8(all));
     all[0x98 - 1] = '?';  // the one unassigned byte
     EXPECT_EQ(all, back);
     EXPECT_EQ("\xEF\xBF\xBD", AnsiToUtf8("\x98"));
-    EXPECT_EQ("a?b", Utf8ToAnsi("a\xE4\xB8\xAD" "b"));  // a CJK character
-    EXPECT_EQ("a?b", Utf8ToAnsi("a\xFF" "b"));          // not UTF-8
-    EXPECT_EQ("a?", Utf8ToAnsi("a\xD0"));               // cut at the end
+    for (const char* bad : {"a\xE4\xB8\xAD" "b", "a\xFF" "b", "a\xD0"}) EXPECT_EQ("a?", Utf8ToAnsi(bad).substr(0, 2)) << bad;
 }
 
 }  // namespace

@@ -12,76 +12,42 @@
 
 namespace {
 
-const MwStringEntry kEnglish[] = {{832, "Geographic"}, {865, "line\n two  blanks"}, {900, "only English"}};
-const MwStringEntry kRussian[] = {{832, "\xC3\xE5\xEE"}, {865, "\xF0\xF3"}};
-const MwStringTable kTables[] = {{LANG_ENGLISH_US, kEnglish, 3}, {LANG_RUSSIAN, kRussian, 2}};
+const MwStringEntry kEnglish[] = {{832, "Geographic"}, {900, "only English"}};
+const MwStringEntry kRussian[] = {{832, "\xC3\xE5\xEE"}};
+const MwStringTable kTables[] = {{LANG_ENGLISH_US, kEnglish, 2}, {LANG_RUSSIAN, kRussian, 1}};
 const MwModuleResources kModule = {"TestModule.dll", kTables, 2};
 
-class Resources : public ::testing::Test {
-protected:
-    void SetUp() override { m = MwRegisterModule(&kModule); }
-    void TearDown() override {
-        MwUnregisterModule(m);
-        SetThreadUILanguage(0);
-    }
-    std::string Load(UINT id, int size = 256) {
-        char buf[256] = "untouched";
-        const int n = LoadStringA(m, id, buf, size);
-        return n > 0 ? std::string(buf, size_t(n)) : "<none>";
-    }
-    HMODULE m = nullptr;
-};
-
-TEST_F(Resources, StringsComeInTheChosenLanguageWithEnglishBehind) {
-    ASSERT_NE(nullptr, m);
+TEST(Resources, StringsInTheLanguageChosenByCallOrEnvironment) {
+    HMODULE m = MwRegisterModule(&kModule);
     EXPECT_EQ(m, GetModuleHandleA("TESTMODULE.dll"));
     EXPECT_EQ(nullptr, GetModuleHandleA("Other.dll"));
-    EXPECT_EQ(nullptr, GetModuleHandleA(nullptr));
-    const struct {
-        LANGID language;
-        UINT id;
-        std::string text;
-    } cases[] = {{LANG_ENGLISH_US, 832, "Geographic"}, {LANG_ENGLISH_US, 865, "line\n two  blanks"},
-                 {LANG_RUSSIAN, 832, "\xC3\xE5\xEE"},  {LANG_RUSSIAN, 900, "only English"},
-                 {LANG_RUSSIAN, 886, "<none>"},        {LANG_ENGLISH_US, 0, "<none>"}};
-    for (const auto& c : cases) {
-        SetThreadUILanguage(c.language);
-        EXPECT_EQ(c.text, Load(c.id)) << c.id << " in " << c.language;
-    }
-    EXPECT_EQ("Geo", Load(832, 4));
-    char buf[4] = "xyz";
-    EXPECT_EQ(0, LoadStringA(m, 832, buf, 0));
-    EXPECT_STREQ("xyz", buf);
-    EXPECT_EQ(0, LoadStringA(m, 832, nullptr, 10));
-    EXPECT_EQ(0, LoadStringA(nullptr, 832, buf, 4));
-}
-
-TEST_F(Resources, LanguageFollowsTheEnvironmentUntilSet) {
-    const struct {
-        const char *ui, *lcAll, *lang;
-        LANGID expected;
-    } cases[] = {{"ru", nullptr, nullptr, LANG_RUSSIAN},   {"en", "ru_RU.UTF-8", nullptr, LANG_ENGLISH_US},
-                 {nullptr, "ru_RU", "en_US", LANG_RUSSIAN}, {nullptr, "", "ru_RU.CP1251", LANG_RUSSIAN},
-                 {nullptr, nullptr, "de_DE", LANG_ENGLISH_US}, {nullptr, nullptr, nullptr, LANG_ENGLISH_US}};
+    const struct { const char *ui, *lcAll, *lang; UINT id; std::string text; } cases[] = {
+        {"ru", nullptr, nullptr, 832, "\xC3\xE5\xEE"}, {"en", "ru_RU.UTF-8", nullptr, 832, "Geographic"},
+        {nullptr, "ru_RU", "en_US", 900, "only English"}, {nullptr, "", "ru_RU.CP1251", 832, "\xC3\xE5\xEE"},
+        {nullptr, nullptr, "de_DE", 832, "Geographic"}, {nullptr, nullptr, nullptr, 886, ""},
+    };
     auto set = [](const char* name, const char* value) { value ? setenv(name, value, 1) : unsetenv(name); };
-    SetThreadUILanguage(0);
     for (const auto& c : cases) {
         set("MAPWRIGHT_UI_LANG", c.ui);
         set("LC_ALL", c.lcAll);
         set("LANG", c.lang);
-        EXPECT_EQ(c.expected, GetThreadUILanguage()) << (c.ui ? c.ui : "") << (c.lcAll ? c.lcAll : "");
+        char buf[64] = "";
+        EXPECT_EQ(c.text, std::string(buf, size_t(LoadStringA(m, c.id, buf, sizeof buf)))) << c.id << c.lang;
     }
     setenv("MAPWRIGHT_UI_LANG", "ru", 1);
     EXPECT_EQ(LANG_ENGLISH_US, SetThreadUILanguage(LANG_ENGLISH_US));  // a call wins
     EXPECT_EQ(LANG_ENGLISH_US, GetThreadUILanguage());
     EXPECT_EQ(LANG_RUSSIAN, SetThreadUILanguage(0));
     unsetenv("MAPWRIGHT_UI_LANG");
-}
-
-TEST_F(Resources, CStringLoadStringSearchesTheExtensionChain) {
-    SetThreadUILanguage(LANG_ENGLISH_US);
+    char buf[8] = "xyz";
+    EXPECT_EQ(3, LoadStringA(m, 832, buf, 4));
+    EXPECT_STREQ("Geo", buf);
+    EXPECT_EQ(0, LoadStringA(m, 832, buf, 0));
+    EXPECT_STREQ("Geo", buf);
+    EXPECT_EQ(0, LoadStringA(m, 832, nullptr, 10) + LoadStringA(nullptr, 832, buf, 4));
+    // CString::LoadString searches the extension chain only.
     CString text("kept");
-    EXPECT_FALSE(text.LoadString(832)) << "not in the chain yet";
+    EXPECT_FALSE(text.LoadString(832));
     EXPECT_EQ(CString("kept"), text);
     AFX_EXTENSION_MODULE state{};
     ASSERT_TRUE(AfxInitExtensionModule(state, m));
@@ -92,6 +58,7 @@ TEST_F(Resources, CStringLoadStringSearchesTheExtensionChain) {
     AfxTermExtensionModule(state);
     EXPECT_FALSE(text.LoadString(900));
     EXPECT_FALSE(AfxInitExtensionModule(state, nullptr));
+    MwUnregisterModule(m);
 }
 
 std::string g_seen;
