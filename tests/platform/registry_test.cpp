@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -34,18 +35,15 @@ LONG Create(HKEY key, const std::string& path, Key& out) { return RegCreateKeyA(
 LONG Open(HKEY key, const std::string& path, Key& out, REGSAM access = KEY_READ) {
     return RegOpenKeyExA(key, path.c_str(), 0, access, out.out());
 }
-struct Value { LONG rc; DWORD type; std::string bytes; };
-// A value read whole: its size first, then its bytes.
-Value Query(HKEY key, const char* name) {
-    Value v{OK, REG_NONE, {}};
-    DWORD size = 0;
-    if ((v.rc = RegQueryValueExA(key, name, nullptr, &v.type, nullptr, &size)) != OK) return v;
+// A value read whole, size first: "rc type bytes".
+std::string Query(HKEY key, const char* name) {
+    DWORD size = 0, type = REG_NONE;
+    LONG rc = RegQueryValueExA(key, name, nullptr, &type, nullptr, &size);
     std::vector<BYTE> buf(size + 1);
-    v.rc = RegQueryValueExA(key, name, nullptr, &v.type, buf.data(), &++size);
-    v.bytes.assign(reinterpret_cast<const char*>(buf.data()), size);
-    return v;
+    if (rc == OK) rc = RegQueryValueExA(key, name, nullptr, &type, buf.data(), &++size);
+    return std::to_string(rc) + " " + std::to_string(type) + " " + std::string(reinterpret_cast<char*>(buf.data()), rc ? 0 : size);
 }
-std::string Text(HKEY key, const char* name) { return Query(key, name).bytes; }
+std::string Text(HKEY key, const char* name) { return Query(key, name).substr(4); }
 unsigned ModeOf(const std::string& p) { return unsigned(std::filesystem::status(p).permissions()); }
 
 class Registry : public ::testing::Test {
@@ -53,104 +51,69 @@ protected:
     mwtest::IsolatedEnv env{false};
 };
 
-TEST_F(Registry, ValuesComeBackWithTheirBytesAndType) {
+TEST_F(Registry, ValuesComeBackWithTheirBytesAndTypeWhateverTheCaseOfNames) {
     const struct { const char* name; DWORD type; std::string bytes; } cases[] = {
-        {"c_lon", REG_SZ, "37.5"}, {"Empty", REG_SZ, ""}, {"\xC8\xEC\xFF", REG_SZ, "\xCF\xF3"},
-        {"Blob", REG_BINARY, std::string("\0\x01\xFF", 3)}, {"Odd", 0x1234567u, "x"}, {nullptr, REG_SZ, "default"},
-        {"Long", REG_BINARY, std::string(100000, '\xA5')}, {"a\\b", REG_SZ, "not a path"},
+        {"Empty", REG_SZ, ""}, {"\xC8\xEC\xFF", REG_SZ, "\xCF\xF3"}, {"Blob", REG_BINARY, std::string("\0\xFF", 2)},
+        {"Odd", 0x12345u, "x"}, {nullptr, REG_SZ, "default"}, {"Long", REG_BINARY, std::string(100000, 'x')}, {"a\\b", REG_SZ, "p"},
     };
     {
         Key key;
-        ASSERT_EQ(OK, Create(HKCU, "Software\\Mapwright\\RoundTrip", key));
+        ASSERT_EQ(OK, Create(HKCU, "Software\\RoundTrip", key));
         for (const auto& c : cases) EXPECT_EQ(OK, Set(key, c.name, c.bytes, c.type));
     }
     Key key;  // a new handle, hence a new connection
-    ASSERT_EQ(OK, Open(HKCU, "Software\\Mapwright\\RoundTrip", key));
-    for (const auto& c : cases) {
-        const Value v = Query(key, c.name);
-        EXPECT_EQ(std::make_tuple(OK, c.type, c.bytes), std::make_tuple(v.rc, v.type, v.bytes)) << c.type;
-    }
-    // A write replaces data and type, whatever the case of the name; the root's values are its own.
-    ASSERT_EQ(OK, Set(HKCU, "scale", "0.9996"));
-    ASSERT_EQ(OK, Set(HKCU, "SCALE", "\x01\x02", REG_BINARY));
-    EXPECT_EQ(REG_BINARY, Query(HKCU, "Scale").type);
-    EXPECT_EQ("\x01\x02", Text(HKCU, "Scale"));
-    EXPECT_EQ(NF, Query(key, "Scale").rc);
-}
-
-TEST_F(Registry, NamesIgnoreTheCaseOfLetters) {
-    const struct { const char *created, *opened; LONG rc; bool same; } keys[] = {
-        {"Software\\Mapwright\\Zz", "SOFTWARE\\mapwright\\zZ", OK, true}, {"\xE0\xFF\xF7", "\xC0\xDF\xD7", OK, true},
-        {"\xB8\xBF\xB3\xBA", "\xA8\xAF\xB2\xAA", OK, true}, {"a", "\xE0", NF, false}, {"@[", "`{", NF, false},
-        {"\xB0", "\x90", NF, false}, {"Software\\Mapwright", "\\Software\\\\Mapwright\\", OK, true},
-        {"Software\\Mapwright\\Deep", "software", OK, false}, {"Software\\Map", "Software\\Mapwright", NF, false},
-        {"Software\\Mapwright", "Software\\Map", NF, false}, {"Software\\Mapwright", "Software/Mapwright", NF, false},
+    ASSERT_EQ(OK, Open(HKCU, "Software\\RoundTrip", key));
+    for (const auto& c : cases) EXPECT_EQ("0 " + std::to_string(c.type) + " " + c.bytes, Query(key, c.name));
+    ASSERT_EQ(OK, Set(HKCU, "scale", "0.9996"));  // a write replaces data and type
+    ASSERT_EQ(OK, Set(HKCU, "SCALE", "\x01", REG_BINARY));
+    EXPECT_EQ("0 3 \x01", Query(HKCU, "Scale"));
+    EXPECT_EQ("2 0 ", Query(key, "Scale")) << "the root's values are its own";
+    const struct { const char *made, *opened; LONG rc; } keys[] = {
+        {"Zz\\Zz", "zZ\\zZ", OK}, {"\xE0\xFF\xF7", "\xC0\xDF\xD7", OK}, {"\xB8\xBF\xB3\xBA", "\xA8\xAF\xB2\xAA", OK},
+        {"a", "\xE0", NF}, {"@[", "`{", NF}, {"\xB0", "\x90", NF}, {"A\\B", "\\A\\\\B\\", OK}, {"A\\B\\C", "a", OK},
+        {"A", "A\\B", NF}, {"A\\B", "A/B", NF}, {"AB", "A", NF}, {"A", "AB", NF},
     };
     int row = 0;
     for (const auto& c : keys) {
         const std::string base = "Case" + std::to_string(row++) + "\\";
-        Key created, opened;
-        ASSERT_EQ(OK, Create(HKCU, base + c.created, created));
-        ASSERT_EQ(OK, Set(created, "Row", base));
+        Key made, opened;
+        ASSERT_EQ(OK, Create(HKCU, base + c.made, made));
         EXPECT_EQ(c.rc, Open(HKCU, base + c.opened, opened)) << c.opened;
-        EXPECT_EQ(c.same, Text(opened, "Row") == base) << c.opened;
     }
-    const char* values[][2] = {{"ProjectionIndex", "PROJECTIONINDEX"}, {"\xCC\xE0\xF1", "\xCC\xC0\xD1"}, {"", nullptr},
-                               {"fe", "fn"}, {"c_lon", "c_lon "}};
+    const char* values[][2] = {{"ProjectionIndex", "PROJECTIONINDEX"}, {"\xCC\xE0\xF1", "\xCC\xC0\xD1"}, {"fe", "fn"}, {"c", "c "}};
     for (const auto& c : values) {
-        Key key;
-        ASSERT_EQ(OK, Create(HKCU, std::string("Names\\") + c[0], key));
-        ASSERT_EQ(OK, Set(key, c[0], "v"));
-        EXPECT_EQ(c[0][0] == 'f' || c[0][0] == 'c' ? NF : OK, Query(key, c[1]).rc) << c[0];
+        ASSERT_EQ(OK, Set(HKCU, c[0], "v"));
+        EXPECT_EQ(c[0][1] == 'e' || c[0][0] == 'c' ? NF : OK, RegQueryValueExA(HKCU, c[1], nullptr, nullptr, nullptr, nullptr)) << c[1];
     }
 }
 
 TEST_F(Registry, QueryReportsTheSizeAndWritesNoMoreThanTheBufferHolds) {
     ASSERT_EQ(OK, Set(HKCU, "Five", "hello"));
     ASSERT_EQ(OK, Set(HKCU, "Empty", ""));
-    const struct { const char* name; bool buffer; DWORD room; LONG rc; DWORD size; bool nul; } cases[] = {
-        {"Five", false, 0, OK, 5, false}, {"Five", true, 0, ERROR_MORE_DATA, 5, false},
-        {"Five", true, 4, ERROR_MORE_DATA, 5, false}, {"Five", true, 5, OK, 5, false}, {"Five", true, 6, OK, 5, true},
-        {"Empty", true, 0, OK, 0, false}, {"Empty", true, 1, OK, 0, true},
+    const struct { const char* name; bool buffer; DWORD room; LONG rc; DWORD size; const char* data; } cases[] = {
+        {"Five", false, 0, OK, 5, ""}, {"Five", true, 0, ERROR_MORE_DATA, 5, ""}, {"Five", true, 4, ERROR_MORE_DATA, 5, ""},
+        {"Five", true, 5, OK, 5, "hello"}, {"Five", true, 6, OK, 5, "hello\0"}, {"Empty", true, 0, OK, 0, ""},
+        {"Empty", true, 1, OK, 0, "\0"}, {"Gone", true, 8, NF, 8, ""},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.name) + " room " + std::to_string(c.room) + (c.buffer ? "" : " null"));
-        std::vector<BYTE> buf(300, 0x7E);
-        DWORD size = c.room, type = REG_NONE;
-        EXPECT_EQ(c.rc, RegQueryValueExA(HKCU, c.name, nullptr, &type, c.buffer ? buf.data() : nullptr, &size));
-        EXPECT_EQ(c.size, size);
-        EXPECT_EQ(REG_SZ, type);
-        std::string expected = c.rc == OK && c.buffer && c.name[0] == 'F' ? "hello" : "";
-        if (c.nul) expected += '\0';
-        expected.resize(300, '\x7E');
-        EXPECT_EQ(expected, std::string(buf.begin(), buf.end()));
+        BYTE buf[8] = "~~~~~~~";
+        DWORD size = c.room, type = 7;
+        EXPECT_EQ(c.rc, RegQueryValueExA(HKCU, c.name, nullptr, &type, c.buffer ? buf : nullptr, &size)) << c.name << c.room;
+        EXPECT_EQ(std::make_tuple(c.size, c.rc == NF ? 7u : REG_SZ), std::make_tuple(size, type)) << c.name << c.room;
+        const std::string data(c.data, std::strlen(c.data) + (c.room > c.size && c.rc == OK));
+        EXPECT_EQ(data + std::string("~~~~~~~\0", 8).substr(data.size()), std::string(reinterpret_cast<char*>(buf), 8));
     }
     DWORD type = REG_NONE;  // neither data nor size: the type only
     EXPECT_EQ(OK, RegQueryValueExA(HKCU, "Five", nullptr, &type, nullptr, nullptr));
     EXPECT_EQ(REG_SZ, type);
-}
-
-TEST_F(Registry, MissingKeysAndValuesAreNotFoundAndTouchNothing) {
-    Key present;
-    ASSERT_EQ(OK, Create(HKCU, "Software\\Present", present));
-    ASSERT_EQ(OK, Set(present, "Here", "1"));
-    for (const char* path : {"Software\\Absent", "Software\\Present\\Child", "Software\\Pres", "Software\\Present\\Here"}) {
-        HKEY key = reinterpret_cast<HKEY>(uintptr_t{0x7777});
+    for (const char* path : {"Absent", "Five", "Empty\\X"}) {
+        HKEY key = HKCU;
         EXPECT_EQ(NF, RegOpenKeyExA(HKCU, path, 0, KEY_READ, &key)) << path;
-        EXPECT_EQ(nullptr, key) << path;
-    }
-    for (const auto& [path, name] : {std::pair<const char*, const char*>{"Software\\Present", "Gone"},
-                                     {"Software\\Present", nullptr}, {"Software", "Here"}}) {
-        Key key;
-        ASSERT_EQ(OK, Open(HKCU, path, key));
-        BYTE buf[16] = {0x55};
-        DWORD size = sizeof buf, type = 0xDEAD;
-        EXPECT_EQ(NF, RegQueryValueExA(key, name, nullptr, &type, buf, &size)) << path;
-        EXPECT_EQ(std::make_tuple(DWORD(sizeof buf), 0xDEADu, 0x55), std::make_tuple(size, type, int(buf[0])));
+        EXPECT_EQ(nullptr, key) << "no handle on failure";
     }
 }
 
-TEST_F(Registry, AccessIsCheckedPerHandle) {
+TEST_F(Registry, AccessHandlesAndArgumentsAreChecked) {
     const struct { REGSAM access; LONG query, set, create; } cases[] = {
         {KEY_READ, OK, DENIED, DENIED}, {KEY_WRITE, DENIED, OK, OK}, {KEY_ALL_ACCESS, OK, OK, OK},
         {KEY_QUERY_VALUE, OK, DENIED, DENIED}, {KEY_SET_VALUE, DENIED, OK, DENIED},
@@ -160,23 +123,15 @@ TEST_F(Registry, AccessIsCheckedPerHandle) {
     ASSERT_EQ(OK, Set(made, "Kept", "original"));
     for (const auto& c : cases) {
         const std::string name = std::to_string(c.access);
-        SCOPED_TRACE(name);
         Key key, sub, check;
         ASSERT_EQ(OK, Open(HKCU, "Software\\Access", key, c.access));
-        BYTE buf[32];
-        DWORD size = sizeof buf;
-        EXPECT_EQ(c.query, RegQueryValueExA(key, "Kept", nullptr, nullptr, buf, &size));
-        EXPECT_EQ(c.set, Set(key, name.c_str(), "written"));
-        EXPECT_EQ(c.create, Create(key, name, sub));
-        EXPECT_EQ(c.set == OK ? OK : NF, Query(made, name.c_str()).rc) << "a refusal leaves nothing";
-        EXPECT_EQ(c.create == OK ? OK : NF, Open(made, name, check));
-        EXPECT_EQ("original", Text(made, "Kept"));
+        EXPECT_EQ(c.query, RegQueryValueExA(key, "Kept", nullptr, nullptr, nullptr, nullptr)) << name;
+        EXPECT_EQ(c.set, Set(key, name.c_str(), "written")) << name;
+        EXPECT_EQ(c.create, Create(key, name, sub)) << name;
+        EXPECT_EQ(c.set ? NF : OK, RegQueryValueExA(made, name.c_str(), nullptr, nullptr, nullptr, nullptr)) << "refused: nothing left";
+        EXPECT_EQ(c.create ? NF : OK, Open(made, name, check)) << name;
     }
-}
-
-TEST_F(Registry, HandlesAndArgumentsAreChecked) {
-    Key open;
-    ASSERT_EQ(OK, Create(HKCU, "Software\\Handles", open));
+    EXPECT_EQ("original", Text(made, "Kept"));
     HKEY closed = nullptr;
     ASSERT_EQ(OK, RegCreateKeyA(HKCU, "Software\\Handles", &closed));
     ASSERT_EQ(OK, RegCloseKey(closed));
@@ -193,15 +148,15 @@ TEST_F(Registry, HandlesAndArgumentsAreChecked) {
     const LONG P = ERROR_INVALID_PARAMETER;
     EXPECT_EQ(P, RegCreateKeyA(HKCU, "Software\\Other", nullptr));
     EXPECT_EQ(P, RegOpenKeyExA(HKCU, "Software", 0, KEY_READ, nullptr));
-    EXPECT_EQ(P, RegQueryValueExA(open, "X", nullptr, nullptr, buf, nullptr));
-    EXPECT_EQ(P, RegQueryValueExA(open, "X", &reserved, nullptr, buf, &size));
-    EXPECT_EQ(P, RegSetValueExA(open, "X", 0, REG_SZ, nullptr, 5));
-    EXPECT_EQ(OK, RegSetValueExA(open, "X", 0, REG_SZ, nullptr, 0)) << "no data, no size: empty";
-    EXPECT_EQ(OK, Query(open, "X").rc);
+    EXPECT_EQ(P, RegQueryValueExA(made, "Kept", nullptr, nullptr, buf, nullptr));
+    EXPECT_EQ(P, RegQueryValueExA(made, "Kept", &reserved, nullptr, buf, &size));
+    EXPECT_EQ(P, RegSetValueExA(made, "X", 0, REG_SZ, nullptr, 5));
+    EXPECT_EQ(OK, RegSetValueExA(made, "X", 0, REG_SZ, nullptr, 0)) << "no data, no size: empty";
     Key other;
     EXPECT_EQ(NF, Open(HKCU, "Software\\Other", other)) << "refused calls made nothing";
     EXPECT_EQ(OK, RegCloseKey(HKCU)) << "the predefined key may be closed";
-    EXPECT_EQ(OK, Open(HKCU, "Software\\Handles", other));
+    EXPECT_EQ(OK, Open(HKCU, "Software\\Access", other));
+    EXPECT_EQ("0 1 ", Query(other, "X"));
 }
 
 TEST_F(Registry, TheStoreIsMadePrivateAtTheFirstWriteWhereTheEnvironmentSays) {
@@ -210,11 +165,11 @@ TEST_F(Registry, TheStoreIsMadePrivateAtTheFirstWriteWhereTheEnvironmentSays) {
     setenv("MAPWRIGHT_REGISTRY", file.c_str(), 1);
     Key key;
     EXPECT_EQ(NF, Open(HKCU, "Software", key));
-    EXPECT_EQ(NF, Query(HKCU, "Value").rc);
+    EXPECT_EQ("2 0 ", Query(HKCU, "Value"));
     ASSERT_EQ(OK, Open(HKCU, "", key)) << "the root always exists";
     EXPECT_FALSE(FileExists(parent)) << "reading creates nothing";
     const mode_t mask = umask(022);
-    ASSERT_EQ(OK, Create(HKCU, "Software\\Mapwright", key));
+    ASSERT_EQ(OK, Create(HKCU, "Software", key));
     umask(mask);
     EXPECT_EQ(std::make_tuple(0700u, 0700u, 0600u), std::make_tuple(ModeOf(parent), ModeOf(parent + "/deeper"), ModeOf(file)));
     const std::string own = dir.file("own"), xdg = dir.file("xdg"), home = dir.file("home");
@@ -228,7 +183,6 @@ TEST_F(Registry, TheStoreIsMadePrivateAtTheFirstWriteWhereTheEnvironmentSays) {
         setenv("XDG_CONFIG_HOME", c.config, 1);
         ASSERT_EQ(OK, Set(HKCU, "Where", c.expected));
         EXPECT_TRUE(FileExists(c.expected)) << c.expected;
-        EXPECT_EQ(c.expected, Text(HKCU, "Where"));
     }
 }
 
@@ -242,19 +196,17 @@ TEST_F(Registry, AStoreThatIsNotOursOrCannotBeWrittenIsRefused) {
         return mwtest::ReadFile(path);
     };
     ASSERT_EQ(OK, Set(HKCU, "Value", "v"));
-    for (const std::string& content : {std::string("x"), sql(file + ".o", "CREATE TABLE t(x)"),
-                                       sql(file, "PRAGMA user_version = 2")}) {  // another's, a later version of ours
+    // Not a database, another program's, a later version of ours.
+    for (const std::string& content : {std::string("x"), sql(file + ".o", "CREATE TABLE t(x)"), sql(file, "PRAGMA user_version = 2")}) {
         mwtest::WriteFile(file, content);
         Key key;
         EXPECT_EQ(ERROR_BADDB, Open(HKCU, "Software", key));
         EXPECT_EQ(ERROR_BADDB, Create(HKCU, "Software", key));
         EXPECT_EQ(ERROR_BADDB, Set(HKCU, "Value", "v"));
-        EXPECT_EQ(ERROR_BADDB, Query(HKCU, "Value").rc);
+        EXPECT_EQ(std::to_string(ERROR_BADDB) + " 0 ", Query(HKCU, "Value"));
         EXPECT_TRUE(mwtest::ReadFile(file) == content) << "the file was changed";
     }
-    mwtest::TempDir dir;
-    mwtest::WriteFile(dir.file("plain"), "text");
-    for (const auto& [path, open] : {std::pair<std::string, LONG>{dir.file("plain/r"), NF}, {dir.path(), DENIED}}) {
+    for (const auto& [path, open] : {std::pair<std::string, LONG>{file + "/r", NF}, {env.appDir(), DENIED}}) {
         setenv("MAPWRIGHT_REGISTRY", path.c_str(), 1);
         Key key;
         EXPECT_EQ(open, Open(HKCU, "Software", key)) << path;
