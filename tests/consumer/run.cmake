@@ -1,6 +1,5 @@
-# Installs the build into a staging prefix, builds the consumer against it
-# with CMake's package and with pkg-config, and checks what both print.
-# -D BUILD_DIR=... -D SOURCE_DIR=... -D WORK_DIR=... -D EXTRA_FLAGS=...
+# Installs the build into a staging prefix, builds the consumer against it with
+# CMake's package and with pkg-config, and checks what both print.
 file(REMOVE_RECURSE "${WORK_DIR}")
 set(prefix "${WORK_DIR}/stage")
 function(run)
@@ -14,8 +13,7 @@ endfunction()
 function(expect consumer lang line)
   set(ENV{MAPWRIGHT_UI_LANG} "${lang}")
   run("${consumer}")
-  message("${OUT}")
-  string(FIND "${OUT}" "datum 3: WGS 84\nPulkovo 1942: Krassovsky 1940\nline: ${line}\n" at)
+  string(FIND "${OUT}" "datum 3: WGS 84\nline: ${line}\n" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "expected the line \"${line}\"")
   endif()
@@ -25,7 +23,7 @@ run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${prefix}")
 run(${CMAKE_COMMAND} -S "${SOURCE_DIR}" -B "${WORK_DIR}/build" "-DCMAKE_PREFIX_PATH=${prefix}"
     "-DCMAKE_CXX_FLAGS=${EXTRA_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${EXTRA_FLAGS}")
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
-# The catalogs are found beside the installed library and seeded into a fresh data home.
+# Catalogs found beside the installed library, seeded into a fresh data home.
 set(ENV{XDG_DATA_HOME} "${WORK_DIR}/data-home")
 unset(ENV{MAPWRIGHT_APPDIR})
 set(en "6179766.95, 413224.14 (UTM, UTM Zone  37 / WGS 84)")

@@ -27,9 +27,8 @@ std::string ReadFile(const std::string& path);
 bool FileExists(const std::string& path);
 std::string ShippedCatalogDir();  // "<data>/Auxiliary Data" of the source tree
 
-// MAPWRIGHT_APPDIR at a private directory with copies of the shipped catalogs
-// (or none), MAPWRIGHT_REGISTRY at a private file; both, HOME and the XDG
-// variables restored afterwards.
+// A private MAPWRIGHT_APPDIR (with copies of the shipped catalogs, or none)
+// and MAPWRIGHT_REGISTRY; these, HOME and XDG_* are restored afterwards.
 class IsolatedEnv {
 public:
     explicit IsolatedEnv(bool withCatalogs = true);
