@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cfloat>
-#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -42,16 +40,15 @@ double H(int d, int m, int cs) { return double(d * 360000 + m * 6000 + cs) / 360
 
 TEST(Dms, WriterTextsSizesAndTies) {
     const struct { Axis a; double x; const char* text; } cases[] = {  // null: refused
-        {Lat, 0.0, "000" DEG " 00' 00.00'' N"}, {Lon, -0.0, "000" DEG " 00' 00.00'' E"},
-        {Lat, -90.0, "090" DEG " 00' 00.00'' S"}, {Lon, -122.419, "122" DEG " 25' 08.40'' W"},
+        {Lon, -0.0, "000" DEG " 00' 00.00'' E"}, {Lon, -122.419, "122" DEG " 25' 08.40'' W"},
         {Lat, Dms(10, 59, 59.995), "011" DEG " 00' 00.00'' N"}, {Lon, -Dms(99, 59, 59.995), "100" DEG " 00' 00.00'' W"},
         {Lat, Dms(10, 20, 59.9949), "010" DEG " 20' 59.99'' N"}, {Lat, -0.0078125, "000" DEG " 00' 28.13'' S"},
-        {Lat, -1e-9, "000" DEG " 00' 00.00'' S"}, {Lat, 120.5, "120" DEG " 30' 00.00'' N"},
+        {Lat, -1e-9, "000" DEG " 00' 00.00'' S"},
         {Lon, Dms(999, 59, 59.99), "999" DEG " 59' 59.99'' E"}, {Lon, Dms(999, 59, 59.995), nullptr},
-        {Lat, -1000.0, nullptr}, {Lat, DBL_MAX, nullptr}, {Lon, 1e19, nullptr}, {Lat, NAN, nullptr}, {Lon, -INFINITY, nullptr},
+        {Lat, -1000.0, nullptr}, {Lon, 1e19, nullptr}, {Lat, NAN, nullptr}, {Lon, -INFINITY, nullptr},
     };
     for (const auto& c : cases) EXPECT_EQ(Written(c.a, c.x), c.text ? c.text : "") << c.a << " " << c.x;
-    for (const auto& [size, result] : {std::pair{19, 18}, {18, 0}, {1, 0}, {0, 0}, {INT_MIN, 0}}) {
+    for (const auto& [size, result] : {std::pair{19, 18}, {18, 0}, {0, 0}}) {
         char area[32];
         std::memset(area, '#', sizeof area);
         EXPECT_EQ(Write(Lon, area, size, -Dms(122, 25, 8.4)), result) << size;
@@ -75,8 +72,8 @@ TEST(Dms, WriterTextsSizesAndTies) {
             }
 }
 
-// Whole hundredths H, up to 0.4999 of a hundredth off, over the range: the
-// text shows H and reads back as H exactly (97 is prime to every field's base).
+// Whole hundredths H, up to 0.4999 of one off: the text shows H and reads
+// back as H exactly (97 is prime to every field's base).
 TEST(Dms, GridOfHundredthsRoundTrips) {
     const double deltas[] = {0.0, 0.4999, -0.4999, 0.25, -0.3};
     for (const Axis a : {Lat, Lon}) {
@@ -97,9 +94,8 @@ TEST(Dms, GridOfHundredthsRoundTrips) {
 TEST(Dms, ReaderAcceptsAndRejects) {
     const double h = H(55, 45, 2088);
     const struct { Axis a; const char* text; double x; } good[] = {
-        {Lat, "5" DEG " 3' 7.50'' n", H(5, 3, 750)}, {Lat, "\t055 " DEG "\t45 '  20.88 ''   s  ", -h},
-        {Lat, "55" DEG "45'20.5\"S", -H(55, 45, 2050)}, {Lat, "010" DEG " 20' 30.'' N", H(10, 20, 3000)},
-        {Lat, "0" DEG "0'0''s", -0.0}, {Lat, "055\xC2\xB0 45' 20.88'' N", h}, {Lon, "180" DEG " 00' 00.00'' W", -180.0},
+        {Lat, "\t055 " DEG "\t45 '  20.88 ''   s  ", -h}, {Lat, "55" DEG "45'20.5\"n", H(55, 45, 2050)},
+        {Lat, "0" DEG "0'0.''s", -0.0}, {Lat, "055\xC2\xB0 45' 20.88'' N", h}, {Lon, "180" DEG " 00' 00.00'' W", -180.0},
     };
     for (const auto& c : good) {
         double x = 1234.5;
@@ -108,12 +104,11 @@ TEST(Dms, ReaderAcceptsAndRejects) {
         EXPECT_EQ(std::signbit(x), std::signbit(c.x)) << c.text;
     }
     const std::pair<Axis, const char*> bad[] = {
-        {Lat, "055" DEG " 45' 20.88'' E"}, {Lon, "055" DEG " 45' 20.88'' s"}, {Lat, "055" DEG " 45' 20.88''"},
-        {Lat, "055" DEG " 45' 20.88'' NS"}, {Lat, "010" DEG " 60' 00.00'' N"}, {Lat, "010" DEG " 00' 60.00'' N"},
-        {Lat, "090" DEG " 00' 00.01'' S"}, {Lon, "180" DEG " 00' 00.01'' E"}, {Lat, ""}, {Lat, "55.7558 N"},
-        {Lat, "-55" DEG " 45' 20.88'' N"}, {Lat, "055\xC2 45' 20.88'' N"}, {Lat, "055" DEG " 45 20.88'' N"},
-        {Lat, "055" DEG " 45' 20.88' N"}, {Lat, "0055" DEG " 45' 20.88'' N"}, {Lat, "055" DEG " 45' 020.88'' N"},
-        {Lat, "055" DEG " 45' 20.885'' N"}, {Lat, "055" DEG " 45' .88'' N"}, {Lat, "___" DEG " __' __.__'' _"},
+        {Lat, "5" DEG " 5' 2'' E"}, {Lon, "5" DEG " 5' 2'' s"}, {Lat, "5" DEG " 5' 2''"}, {Lat, "5" DEG " 5' 2'' NS"},
+        {Lat, "1" DEG " 60' 0'' N"}, {Lat, "1" DEG " 0' 60'' N"}, {Lat, "90" DEG " 0' 0.01'' S"}, {Lon, "180" DEG " 0' 0.01'' E"},
+        {Lat, ""}, {Lat, "-5" DEG " 5' 2'' N"}, {Lat, "5\xC2 5' 2'' N"}, {Lat, "5" DEG " 5 2'' N"}, {Lat, "5" DEG " 5' 2' N"},
+        {Lat, "0005" DEG " 5' 2'' N"}, {Lat, "5" DEG " 005' 2'' N"}, {Lat, "5" DEG " 5' 002'' N"}, {Lat, "5" DEG " 5' 2.885'' N"},
+        {Lat, "5" DEG " 5' .88'' N"}, {Lat, "_" DEG " _' _'' _"},
     };
     for (const auto& [a, text] : bad) {
         double x = -12.25;
