@@ -20,16 +20,15 @@ TEST(Basalt, OwnStringsAndAddedModulesWhileLoaded) {
     SetThreadUILanguage(LANG_RUSSIAN);
     EXPECT_EQ(CString("\xCE\xF2\xEC\xE5\xED\xE0"), GetResourceString(123));
     SetThreadUILanguage(LANG_ENGLISH_US);
-    EXPECT_EQ(CString("Cancel||"), GetResourceString(123) + "|" + GetResourceString(124) + "|" + GetResourceString(-1));
+    EXPECT_EQ(CString("Cancel|"), GetResourceString(123) + "|" + GetResourceString(-1));
     EXPECT_FALSE(AddModule("Added.dll") || AddModule(nullptr)) << "not loaded yet";
-    HMODULE m = MwRegisterModule(&kModule);
-    EXPECT_TRUE(AddModule("added.DLL") && AddModule("Added.dll"));
-    EXPECT_EQ(CString("Decart"), GetResourceString(838));
-    MwUnregisterModule(m);
-    EXPECT_EQ(CString(""), GetResourceString(838));
-    m = MwRegisterModule(&kModule);  // loaded again under the same name: found
-    EXPECT_EQ(CString("Decart"), GetResourceString(838));
-    MwUnregisterModule(m);
+    for (int i = 0; i < 2; ++i) {  // loaded again under the same name: found
+        HMODULE m = MwRegisterModule(&kModule);
+        EXPECT_TRUE(AddModule("added.DLL"));
+        EXPECT_EQ(CString("Decart"), GetResourceString(838));
+        MwUnregisterModule(m);
+        EXPECT_EQ(CString(""), GetResourceString(838));
+    }
     SetThreadUILanguage(0);
     SetAppRegKey("Software\\Host");
     SetAppRegKey(nullptr);
@@ -56,7 +55,7 @@ TEST(Basalt, AppDirFromHostThenEnvironmentThenXdgThenHomeSeededOnce) {
     unsetenv("MAPWRIGHT_APPDIR");
     const std::string data = AppDir() + "/Auxiliary Data/";
     EXPECT_EQ(dir.path() + "/mapwright/Auxiliary Data/", data);
-    EXPECT_EQ(mwtest::ReadFile(mwtest::ShippedCatalogDir() + "/datum.ini"), mwtest::ReadFile(data + "datum.ini"));
+    EXPECT_EQ(mwtest::ReadFile(mwtest::ShippedCatalogDir() + "/datum.ini"), mwtest::ReadFile(data + "datum.ini")) << "seeded";
     mwtest::WriteFile(data + "datum.ini", "mine");  // an existing folder is the user's
     AppDir();
     EXPECT_EQ("mine", mwtest::ReadFile(data + "datum.ini"));
