@@ -93,8 +93,7 @@ TEST_F(Profile, ReadRules) {
         {"[A]\nK=1\n", "A", "L", D}, {"[A]\nK=\r\n", "A", "K", ""}, {"[A]\r\nK=1\rL=2\nM=3", "A", "M", "3"},
         {"[Datum]\nK=1", "dATUM", "K", "1"}, {"[A]\nK = \t v w \v\f\n", "A", "K", "v w"},
         {"  [  A  ]  \n\t K \t=1\n", " A ", " K\t", "1"}, {"[A]\nK = \" a \" \n", "A", "K", " a "},
-        {"[A]\nK=\"a'\n", "A", "K", "\"a'"},
-        {"[A]\n;K=v\n", "A", ";K", "v"}, {"[A]\nK\n", "A", "K", D}, {"[A]\nK=a=b\n", "A", "K", "a=b"},
+        {"[A]\nK=\"a'\n", "A", "K", "\"a'"}, {"[A]\n;K=v\n", "A", ";K", "v"}, {"[A]\nK\n", "A", "K", D}, {"[A]\nK=a=b\n", "A", "K", "a=b"},
         {"[A]\nK=1\n[B]\nK=2\n[a]\nK=3\n", "A", "K", "1"}, {"[A]\nK=1\n[a]\nL=4\n", "A", "L", D},
         {"[A]\nK=1\nk=2\n", "A", "K", "1"}, {"[A]\n[B]\nK=1\n", "A", "K", D},
         {"[A]B] x\nK=1\n", "A]B", "K", "1"}, {"[A\nK=1\n", "A", "K", D},
@@ -130,8 +129,7 @@ TEST_F(Profile, UnusableFileGivesDefaultAndListsCutWithTwoNuls) {
     WriteFile(file, "A=0\n[One]\nA=1\nb=2\na=3\nodd\n[Two]\n[one]\nC=4\n[Three]\n");
     const struct { const char* sec; DWORD size; std::string buf; DWORD n; } cases[] = {
         {nullptr, 16, S("One\0Two\0Three\0\0#", 16), 14}, {nullptr, 14, S("One\0Two\0Thre\0\0", 14), 12},
-        {nullptr, 2, S("\0\0", 2), 0}, {"ONE", 8, S("A\0b\0\0###", 8), 4},
-{"Two", 4, S("\0\0##", 4), 0},
+        {nullptr, 2, S("\0\0", 2), 0}, {"ONE", 8, S("A\0b\0\0###", 8), 4}, {"Two", 4, S("\0\0##", 4), 0},
     };
     for (const auto& c : cases) EXPECT_EQ(List(file, c.sec, c.size), std::make_pair(c.buf, c.n)) << c.size;
 }
@@ -140,11 +138,9 @@ TEST_F(Profile, WriteChangesOnlyWhatItMust) {
     const Case cases[] = {
         {";h\n\n[S]\n  N = old  \nodd\nK=2\n[T]\nN=t\n", "S", "N", "new", ";h\n\n[S]\n  N = new\nodd\nK=2\n[T]\nN=t\n"},
         {"[S]\nDatumName=a\n", "s", "DATUMNAME", "b", "[S]\nDatumName=b\n"}, {"[S]\rK=1\rL=2\r", "S", "K", "9", "[S]\rK=9\rL=2\r"},
-        {"[S]\nK=1", "S", "K", "9", "[S]\nK=9"},
-        {"[S]\nK=1\n[S]\nK=2\n", "S", "K", "9", "[S]\nK=9\n[S]\nK=2\n"},
+        {"[S]\nK=1", "S", "K", "9", "[S]\nK=9"}, {"[S]\nK=1\n[S]\nK=2\n", "S", "K", "9", "[S]\nK=9\n[S]\nK=2\n"},
         {S("\xff\0\n[S]\nK=1\n\0=\n", 14), "S", "K", "2", S("\xff\0\n[S]\nK=2\n\0=\n", 14)},
- {"[S]\nA=1\n\n;n\n[T]\n", "S", " C ", "3", "[S]\nA=1\nC=3\r\n\n;n\n[T]\n"},
- {"[S]\nA=1", "S", "C", "3", "[S]\nA=1\r\nC=3\r\n"},
+        {"[S]\nA=1\n\n;n\n[T]\n", "S", " C ", "3", "[S]\nA=1\nC=3\r\n\n;n\n[T]\n"}, {"[S]\nA=1", "S", "C", "3", "[S]\nA=1\r\nC=3\r\n"},
         {"[S]\nA=1\n[S]\nC=0\n", "S", "C", "3", "[S]\nA=1\nC=3\r\n[S]\nC=0\n"}, {"[S]\nA=1", "T", "K", "V", "[S]\nA=1\r\n[T]\r\nK=V\r\n"},
         {"[S]\rA=1\r", "T", "K", "V", "[S]\rA=1\r[T]\r\nK=V\r\n"}, {"", "T", "K", " \"q\" ", "[T]\r\nK= \"q\" \r\n"},
         {"[S]\nA=1\nB=2\na=3\n[T]\nA=3\n", "S", "A", nullptr, "[S]\nB=2\n[T]\nA=3\n"},
