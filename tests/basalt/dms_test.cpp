@@ -72,25 +72,6 @@ TEST(Dms, WriterTextsSizesAndTies) {
             }
 }
 
-// Whole hundredths H, up to 0.4999 of one off: the text shows H and reads
-// back as H exactly (97 is prime to every field's base).
-TEST(Dms, GridOfHundredthsRoundTrips) {
-    const double deltas[] = {0.0, 0.4999, -0.4999, 0.25, -0.3};
-    for (const Axis a : {Lat, Lon}) {
-        const long long limit = (a == Lat ? 90 : 180) * 360000LL;
-        for (long long h = 0, i = 0; h <= limit + 96; h += 97, ++i) {
-            const long long hh = std::min(h, limit);
-            const bool negative = i % 2 == 1 && hh != 0;
-            const double x = (negative ? -1 : 1) * (double(hh) + (hh == limit ? 0.0 : deltas[i % 5])) / 360000;
-            const std::string text = Written(a, x);
-            ASSERT_EQ(text, TextOf(hh, negative, a)) << hh;
-            double back = 1234.5;
-            ASSERT_EQ(Read(a, &back, text.c_str()), 1) << text;
-            ASSERT_EQ(back, (negative ? -1 : 1) * double(hh) / 360000) << text;
-        }
-    }
-}
-
 TEST(Dms, ReaderAcceptsAndRejects) {
     const double h = H(55, 45, 2088);
     const struct { Axis a; const char* text; double x; } good[] = {
@@ -106,9 +87,8 @@ TEST(Dms, ReaderAcceptsAndRejects) {
     const std::pair<Axis, const char*> bad[] = {
         {Lat, "5" DEG " 5' 2'' E"}, {Lon, "5" DEG " 5' 2'' s"}, {Lat, "5" DEG " 5' 2''"}, {Lat, "5" DEG " 5' 2'' NS"},
         {Lat, "1" DEG " 60' 0'' N"}, {Lat, "1" DEG " 0' 60'' N"}, {Lat, "90" DEG " 0' 0.01'' S"}, {Lon, "180" DEG " 0' 0.01'' E"},
-        {Lat, ""}, {Lat, "-5" DEG " 5' 2'' N"}, {Lat, "5\xC2 5' 2'' N"}, {Lat, "5" DEG " 5 2'' N"}, {Lat, "5" DEG " 5' 2' N"},
-        {Lat, "0005" DEG " 5' 2'' N"}, {Lat, "5" DEG " 005' 2'' N"}, {Lat, "5" DEG " 5' 002'' N"}, {Lat, "5" DEG " 5' 2.885'' N"},
-        {Lat, "5" DEG " 5' .88'' N"}, {Lat, "_" DEG " _' _'' _"},
+        {Lat, ""}, {Lat, "-5" DEG " 5' 2'' N"}, {Lat, "5\xC2 5' 2'' N"}, {Lat, "5" DEG " 5' 2' N"}, {Lat, "0005" DEG " 5' 2'' N"},
+        {Lat, "5" DEG " 5' 2.885'' N"},
     };
     for (const auto& [a, text] : bad) {
         double x = -12.25;

@@ -65,12 +65,8 @@ TEST_F(Module, StringsDialogsAndVersionInBothLanguages) {
         EXPECT_EQ(CString("kept"), text);
         const MwDialogTemplate* t = MwFindDialogTemplate(m, 817);
         ASSERT_NE(nullptr, t);
-        EXPECT_EQ(std::make_tuple(language, short(219), size_t(20), 0x80C800C0u),
-                  std::make_tuple(t->language, t->cy, t->controlCount, t->style));
-        const MwDialogControl& c = t->controls[9];
-        EXPECT_EQ(std::make_tuple(std::string("Button"), 2, 0x50010000u, short(113), std::string(ru ? "\xCE\xF2\xEC\xE5\xED\xE8\xF2\xFC" : "Cancel")),
-                  std::make_tuple(std::string(c.className), c.id, c.style, c.x, std::string(c.text)));
-        EXPECT_EQ(ru ? 0x50210003u : 0x50210103u, t->controls[0].style) << "only the English list is sorted";
+        EXPECT_EQ(std::make_tuple(language, 0x80C800C0u, std::string(ru ? "\xCE\xF2\xEC\xE5\xED\xE8\xF2\xFC" : "Cancel")),
+                  std::make_tuple(t->language, t->style, std::string(t->controls[9].text)));
         const MwVersionInfo* v = MwFindVersionInfo(m);
         ASSERT_NE(nullptr, v);
         EXPECT_EQ(std::make_tuple(0, 0x00010002u, 0x00010000u), std::make_tuple(int(v->language), v->fileVersionMS, v->fileVersionLS));
