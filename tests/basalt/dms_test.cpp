@@ -76,7 +76,7 @@ TEST(Dms, ReaderAcceptsAndRejects) {
     const double h = H(55, 45, 2088);
     const struct { Axis a; const char* text; double x; } good[] = {
         {Lat, "\t055 " DEG "\t45 '  20.88 ''   s  ", -h}, {Lat, "55" DEG "45'20.5\"n", H(55, 45, 2050)},
-        {Lat, "0" DEG "0'0.''s", -0.0}, {Lat, "055\xC2\xB0 45' 20.88'' N", h}, {Lon, "180" DEG " 00' 00.00'' W", -180.0},
+        {Lat, "0" DEG "0'0.''s", -0.0}, {Lon, "180\xC2\xB0 00' 00.00'' W", -180.0},
     };
     for (const auto& c : good) {
         double x = 1234.5;

@@ -1,5 +1,5 @@
-# Installs the build into a staging prefix, builds the consumer against it with
-# CMake's package and with pkg-config, and checks what both print.
+# Installs the build into a staging prefix, builds the consumer against its
+# CMake package and checks what it prints.
 file(REMOVE_RECURSE "${WORK_DIR}")
 set(prefix "${WORK_DIR}/stage")
 function(run)
@@ -31,11 +31,3 @@ expect("${WORK_DIR}/build/consumer" en "${en}")
 expect("${WORK_DIR}/build/consumer" ru
   "6179766.95, 413224.14 (Универсальная поперечная Меркатора, Номер зоны  37 / WGS 84)")
 
-file(GLOB pcdirs "${prefix}/lib*/pkgconfig" "${prefix}/lib*/*/pkgconfig")
-set(ENV{PKG_CONFIG_PATH} "${pcdirs}")
-run(pkg-config --cflags --libs mapwright)
-string(STRIP "${OUT}" pkgflags)
-separate_arguments(pkgflags UNIX_COMMAND "${pkgflags}")
-separate_arguments(extra UNIX_COMMAND "${EXTRA_FLAGS}")
-run(c++ -std=c++17 -Wall -Wextra -Werror ${extra} "${SOURCE_DIR}/main.cpp" -o "${WORK_DIR}/consumer-pc" ${pkgflags})
-expect("${WORK_DIR}/consumer-pc" en "${en}")
