@@ -1,4 +1,3 @@
-// Test support: temporary directories, whole files, a private environment.
 #ifndef MAPWRIGHT_TESTS_TESTENV_H
 #define MAPWRIGHT_TESTS_TESTENV_H
 
