@@ -42,10 +42,9 @@ TEST(Dms, WriterTextsSizesAndTies) {
     const struct { Axis a; double x; const char* text; } cases[] = {  // null: refused
         {Lon, -0.0, "000" DEG " 00' 00.00'' E"}, {Lon, -122.419, "122" DEG " 25' 08.40'' W"},
         {Lat, Dms(10, 59, 59.995), "011" DEG " 00' 00.00'' N"}, {Lon, -Dms(99, 59, 59.995), "100" DEG " 00' 00.00'' W"},
-        {Lat, Dms(10, 20, 59.9949), "010" DEG " 20' 59.99'' N"}, {Lat, -0.0078125, "000" DEG " 00' 28.13'' S"},
-        {Lat, -1e-9, "000" DEG " 00' 00.00'' S"},
+        {Lat, -0.0078125, "000" DEG " 00' 28.13'' S"}, {Lat, -1e-9, "000" DEG " 00' 00.00'' S"},
         {Lon, Dms(999, 59, 59.99), "999" DEG " 59' 59.99'' E"}, {Lon, Dms(999, 59, 59.995), nullptr},
-        {Lat, -1000.0, nullptr}, {Lon, 1e19, nullptr}, {Lat, NAN, nullptr}, {Lon, -INFINITY, nullptr},
+        {Lon, 1e19, nullptr}, {Lat, NAN, nullptr}, {Lon, -INFINITY, nullptr},
     };
     for (const auto& c : cases) EXPECT_EQ(Written(c.a, c.x), c.text ? c.text : "") << c.a << " " << c.x;
     for (const auto& [size, result] : {std::pair{19, 18}, {18, 0}, {0, 0}}) {

@@ -51,7 +51,7 @@ TEST(Basalt, AppDirFromHostThenEnvironmentThenXdgThenHomeSeededOnce) {
     EXPECT_EQ("/opt/host", AppDir()) << "without a trailing separator";
     SetAppDir("/srv/app");
     EXPECT_EQ("/srv/app", AppDir());
-    SetAppDir("");
+    SetAppDir(nullptr);
     unsetenv("MAPWRIGHT_APPDIR");
     const std::string data = AppDir() + "/Auxiliary Data/";
     EXPECT_EQ(dir.path() + "/mapwright/Auxiliary Data/", data);
