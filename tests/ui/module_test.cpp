@@ -46,7 +46,7 @@ TEST_F(Module, LoadingRegisteredItAndThreadsChangeNothing) {
 TEST_F(Module, StringsDialogsAndVersionInBothLanguages) {
     const struct { UINT id; const char *en, *ru; } strings[] = {
         {832, "Geographic", "\xC3\xE5\xEE\xE3\xF0\xE0\xF4\xE8\xF7\xE5\xF1\xEA\xE0\xFF"},
-        {854, "North/South ", "\xD1\xE5\xE2\xE5\xF0/\xDE\xE3  "}, {883, "Y = ", "Y = "},
+        {854, "North/South ", "\xD1\xE5\xE2\xE5\xF0/\xDE\xE3  "},
     };
     for (LANGID language : {LANG_ENGLISH_US, LANG_RUSSIAN}) {
         SetThreadUILanguage(language);
