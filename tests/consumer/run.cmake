@@ -1,5 +1,4 @@
-# Installs the build into a staging prefix, builds the consumer against its
-# CMake package and checks what it prints.
+# Installs the build, builds the consumer against its CMake package, checks what it prints.
 file(REMOVE_RECURSE "${WORK_DIR}")
 set(prefix "${WORK_DIR}/stage")
 function(run)
@@ -9,7 +8,6 @@ function(run)
   endif()
   set(OUT "${out}" PARENT_SCOPE)
 endfunction()
-# Moscow in UTM: GeographicLib's GeoConvert gives 37n 413224.138 6179766.954.
 function(expect consumer lang line)
   set(ENV{MAPWRIGHT_UI_LANG} "${lang}")
   run("${consumer}")
@@ -18,7 +16,6 @@ function(expect consumer lang line)
     message(FATAL_ERROR "expected the line \"${line}\"")
   endif()
 endfunction()
-
 run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${prefix}")
 run(${CMAKE_COMMAND} -S "${SOURCE_DIR}" -B "${WORK_DIR}/build" "-DCMAKE_PREFIX_PATH=${prefix}"
     "-DCMAKE_CXX_FLAGS=${EXTRA_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${EXTRA_FLAGS}")
@@ -26,8 +23,6 @@ run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 # Catalogs found beside the installed library, seeded into a fresh data home.
 set(ENV{XDG_DATA_HOME} "${WORK_DIR}/data-home")
 unset(ENV{MAPWRIGHT_APPDIR})
-set(en "6179766.95, 413224.14 (UTM, UTM Zone  37 / WGS 84)")
-expect("${WORK_DIR}/build/consumer" en "${en}")
+# Moscow in UTM: GeographicLib's GeoConvert gives 37n 413224.138 6179766.954.
 expect("${WORK_DIR}/build/consumer" ru
   "6179766.95, 413224.14 (Универсальная поперечная Меркатора, Номер зоны  37 / WGS 84)")
-

@@ -1,32 +1,27 @@
 // CString as MFC has it, and the Windows-1251 <-> UTF-8 conversions.
 #include <mapwright/afxstr.h>
 #include <mapwright/codepage.h>
-
 #include <gtest/gtest.h>
-
 #include <cstring>
 #include <string>
 
 namespace {
-
-TEST(CString, CopiesFormatsAndStaysInRange) {
+TEST(CString, CopiesFormatsAndRanges) {
     EXPECT_TRUE(CString(static_cast<const char*>(nullptr)).IsEmpty());
-    EXPECT_EQ(CString("ab"), CString("ab\0cd", 5)) << "a length bounds the copy and stops at a NUL";
-    EXPECT_EQ(0, CString("WGS").CompareNoCase("wgs"));
+    EXPECT_EQ(CString("ab"), CString("ab\0cd", 5));
     CString s('x', 2);
     s += static_cast<const char*>(nullptr);
     s.AppendFormat("%s%011.7f", std::string(1000, 'y').c_str(), 55.7558);
     EXPECT_EQ("xx" + std::string(1000, 'y') + "055.7558000", s.GetString());
     std::strcpy(s.GetBuffer(16), "North/South");
     s.ReleaseBuffer();
-    EXPECT_STREQ("North/South", s.GetBuffer(0)) << "never less than the text";
+    EXPECT_STREQ("North/South", s.GetBuffer(0));
     s.ReleaseBuffer(11);
     EXPECT_EQ(CString("North|South|uth|"), s.Left(5) + "|" + s.Right(5) + "|" + s.Mid(8, 9) + "|" + s.Mid(50) + s.Left(-1));
     EXPECT_EQ(std::make_tuple(6, -1, 0), std::make_tuple(s.Find("South"), s.Find('N', 100), s.GetAt(100) + s.GetAt(-1)));
-    EXPECT_EQ(CString("N/S"), CString(" \tN/S \r\n").Trim());
 }
 
-TEST(Codepage, EveryByteRoundTripsAndTheRestBecomesOneMark) {
+TEST(Codepage, RoundTrip) {
     std::string all;
     for (int b = 1; b < 256; ++b) all += char(b);
     std::string back = Utf8ToAnsi(AnsiToUtf8(all));
@@ -35,5 +30,4 @@ TEST(Codepage, EveryByteRoundTripsAndTheRestBecomesOneMark) {
     EXPECT_EQ("\xD0\x81\xEF\xBF\xBD", AnsiToUtf8("\xA8\x98"));
     for (const char* bad : {"a\xE4\xB8\xAD" "b", "a\xFF" "b", "a\xD0"}) EXPECT_EQ("a?", Utf8ToAnsi(bad).substr(0, 2)) << bad;
 }
-
 }  // namespace

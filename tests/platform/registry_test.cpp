@@ -1,21 +1,15 @@
-// The registry functions: Windows' return codes and sizes, names without case,
-// and what we add (private store files, bad stores refused).
+// Registry functions: Windows' codes and sizes, names without case, our store.
 #include <mapwright/registry.h>
-
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
-
 #include "testenv.h"
 
 namespace {
-
 using mwtest::FileExists;
 const LONG OK = ERROR_SUCCESS, NF = ERROR_FILE_NOT_FOUND, DENIED = ERROR_ACCESS_DENIED, BAD = ERROR_INVALID_HANDLE;
 const HKEY HKCU = HKEY_CURRENT_USER;
@@ -49,7 +43,7 @@ protected:
     mwtest::IsolatedEnv env{false};
 };
 
-TEST_F(Registry, ValuesComeBackWithTheirBytesAndTypeWhateverTheCaseOfNames) {
+TEST_F(Registry, ValuesAndNamesWithoutCase) {
     const std::string big(100000, '\0');
     ASSERT_EQ(OK, Set(HKCU, nullptr, big, 0x12345u));
     EXPECT_EQ("0 74565 " + big, Query(HKCU, nullptr));
@@ -58,7 +52,7 @@ TEST_F(Registry, ValuesComeBackWithTheirBytesAndTypeWhateverTheCaseOfNames) {
     EXPECT_EQ("0 3 \x01", Query(HKCU, "Scale"));
     Key key;
     ASSERT_EQ(OK, Create(HKCU, "Below", key));
-    EXPECT_EQ("2 0 ", Query(key, "Scale")) << "the root's values are its own";
+    EXPECT_EQ("2 0 ", Query(key, "Scale"));
     const struct { const char *made, *opened; LONG rc; } keys[] = {
         {"Zz\\Zz", "zZ\\zZ", OK}, {"\xE0\xFF\xF7", "\xC0\xDF\xD7", OK}, {"\xB8\xBF\xB3\xBA", "\xA8\xAF\xB2\xAA", OK},
         {"a", "\xE0", NF}, {"@[", "`{", NF}, {"A\\B", "\\A\\\\B\\", OK}, {"A\\B", "a", OK}, {"A\\B", "A/B", NF}, {"A", "AB", NF},
@@ -70,13 +64,11 @@ TEST_F(Registry, ValuesComeBackWithTheirBytesAndTypeWhateverTheCaseOfNames) {
         ASSERT_EQ(OK, Create(HKCU, base + c.made, made));
         EXPECT_EQ(c.rc, Open(HKCU, base + c.opened, opened)) << c.opened;
     }
-    for (const auto& [name, rc] : {std::pair{"\xCC\xC0\xD1", OK}, {"fn", NF}, {"fe ", NF}}) {
-        ASSERT_EQ(OK, Set(HKCU, name[1] == 'e' ? "fe" : "\xCC\xE0\xF1", "v"));
-        EXPECT_EQ(rc, RegQueryValueExA(HKCU, name, nullptr, nullptr, nullptr, nullptr)) << name;
-    }
+    ASSERT_EQ(OK, Set(HKCU, "\xCC\xE0\xF1", "v"));  // value names fold alike
+    EXPECT_EQ(OK, RegQueryValueExA(HKCU, "\xCC\xC0\xD1", nullptr, nullptr, nullptr, nullptr));
 }
 
-TEST_F(Registry, QueryReportsTheSizeAndWritesNoMoreThanTheBufferHolds) {
+TEST_F(Registry, QueryReportsSizesAndNeverOverruns) {
     ASSERT_EQ(OK, Set(HKCU, "Five", "hello"));
     ASSERT_EQ(OK, Set(HKCU, "Empty", ""));
     const struct { const char* name; bool buffer; DWORD room; LONG rc; DWORD size; const char* data; } cases[] = {
@@ -91,22 +83,19 @@ TEST_F(Registry, QueryReportsTheSizeAndWritesNoMoreThanTheBufferHolds) {
         const std::string data(c.data, std::strlen(c.data) + (c.room > c.size && c.rc == OK));
         EXPECT_EQ(data + std::string("~~~~~~~\0", 8).substr(data.size()), std::string(reinterpret_cast<char*>(buf), 8));
     }
-    for (const char* path : {"Absent", "Five"}) {
-        HKEY key = HKCU;
-        EXPECT_EQ(std::make_pair(NF, HKEY(nullptr)), std::make_pair(RegOpenKeyExA(HKCU, path, 0, KEY_READ, &key), key)) << path;
-    }
+    HKEY key = HKCU;
+    EXPECT_EQ(NF, RegOpenKeyExA(HKCU, "Five", 0, KEY_READ, &key));
+    EXPECT_EQ(nullptr, key);
 }
 
 TEST_F(Registry, AccessHandlesAndArgumentsAreChecked) {
     Key made;  // a key made by RegCreateKeyA has every right
     ASSERT_EQ(OK, Create(HKCU, "Software\\Access", made));
     ASSERT_EQ(OK, Set(made, nullptr, "v"));
-    for (const auto& [access, query, set] : {std::tuple{KEY_READ, OK, DENIED}, {KEY_WRITE, DENIED, OK}}) {
-        Key key, sub;
-        ASSERT_EQ(OK, Open(HKCU, "Software\\Access", key, access));
-        EXPECT_EQ(std::make_tuple(query, set, set), std::make_tuple(RegQueryValueExA(key, nullptr, nullptr, nullptr, nullptr, nullptr),
-                                                                    Set(key, nullptr, ""), Create(key, "Sub", sub)));
-    }
+    Key ro, sub;
+    ASSERT_EQ(OK, Open(HKCU, "Software\\Access", ro));
+    EXPECT_EQ(std::make_tuple(OK, DENIED, DENIED), std::make_tuple(RegQueryValueExA(ro, nullptr, nullptr, nullptr, nullptr, nullptr),
+                                                                Set(ro, nullptr, ""), Create(ro, "Sub", sub)));
     HKEY closed = nullptr, result = nullptr;
     ASSERT_EQ(OK, RegCreateKeyA(HKCU, "Software\\Handles", &closed));
     ASSERT_EQ(OK, RegCloseKey(closed));
@@ -117,19 +106,18 @@ TEST_F(Registry, AccessHandlesAndArgumentsAreChecked) {
                   std::make_tuple(RegCreateKeyA(b, "X", &result), RegOpenKeyExA(b, "X", 0, KEY_READ, &result),
                                   RegQueryValueExA(b, "X", nullptr, nullptr, buf, &size), Set(b, "X", "x"), RegCloseKey(b))) << b;
     EXPECT_EQ(ERROR_INVALID_PARAMETER, RegQueryValueExA(made, "X", &reserved, nullptr, buf, &size));
-    EXPECT_EQ(OK, RegSetValueExA(made, "X", 0, REG_SZ, nullptr, 0)) << "no data, no size: empty";
-    EXPECT_EQ(OK, RegCloseKey(HKCU)) << "the predefined key may be closed";
+    EXPECT_EQ(OK, RegSetValueExA(made, "X", 0, REG_SZ, nullptr, 0));
     EXPECT_EQ("0 1 ", Query(made, "X"));
 }
 
-TEST_F(Registry, TheStoreIsMadePrivateAtTheFirstWriteAndAForeignOneIsRefused) {
+TEST_F(Registry, PrivateStoreAndForeignOnesRefused) {
     const std::string& file = env.registryFile();
     const std::string deeper = file + ".d/r";
     setenv("MAPWRIGHT_REGISTRY", deeper.c_str(), 1);
     Key key;
     EXPECT_EQ(NF, Open(HKCU, "Software", key));
     EXPECT_EQ("2 0 ", Query(HKCU, "Value"));
-    EXPECT_FALSE(FileExists(file + ".d")) << "reading creates nothing";
+    EXPECT_FALSE(FileExists(file + ".d"));
     const mode_t mask = umask(022);
     ASSERT_EQ(OK, Create(HKCU, "Software", key));
     umask(mask);
@@ -141,10 +129,9 @@ TEST_F(Registry, TheStoreIsMadePrivateAtTheFirstWriteAndAForeignOneIsRefused) {
         EXPECT_EQ(std::make_tuple(ERROR_BADDB, ERROR_BADDB, ERROR_BADDB), std::make_tuple(Open(HKCU, "Software", key),
                   Create(HKCU, "Software", key), Set(HKCU, "Value", "v")));
         EXPECT_EQ(std::to_string(ERROR_BADDB) + " 0 ", Query(HKCU, "Value"));
-        EXPECT_TRUE(mwtest::ReadFile(file) == content) << "the file was changed";
+        EXPECT_TRUE(mwtest::ReadFile(file) == content);
     }
     setenv("MAPWRIGHT_REGISTRY", env.appDir().c_str(), 1);  // a directory
     EXPECT_EQ(std::make_pair(DENIED, DENIED), std::make_pair(Open(HKCU, "Software", key), Set(HKCU, "Value", "v")));
 }
-
 }  // namespace

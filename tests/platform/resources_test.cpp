@@ -1,23 +1,18 @@
-// String resources of registered modules, the language choice, the MFC
-// extension chain, and message boxes.
+// String resources, the language choice and the MFC extension chain.
 #include <mapwright/afxext.h>
 #include <mapwright/afxstr.h>
 #include <mapwright/resources.h>
-#include <mapwright/winuser.h>
-
 #include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <string>
 
 namespace {
-
 const MwStringEntry kEnglish[] = {{832, "Geographic"}, {900, "only English"}};
 const MwStringEntry kRussian[] = {{832, "\xC3\xE5\xEE"}};
 const MwStringTable kTables[] = {{LANG_ENGLISH_US, kEnglish, 2}, {LANG_RUSSIAN, kRussian, 1}};
 const MwModuleResources kModule = {"TestModule.dll", kTables, 2};
 
-TEST(Resources, StringsInTheLanguageChosenByCallOrEnvironment) {
+TEST(Resources, LanguageByCallOrEnvironment) {
     HMODULE m = MwRegisterModule(&kModule);
     EXPECT_EQ(m, GetModuleHandleA("TESTMODULE.dll"));
     const struct { const char *ui, *lcAll, *lang; UINT id; std::string text; } cases[] = {
@@ -51,14 +46,7 @@ TEST(Resources, StringsInTheLanguageChosenByCallOrEnvironment) {
     EXPECT_EQ(CString("Geographic"), text);
     AfxTermExtensionModule(state);
     EXPECT_FALSE(text.LoadString(900));
-    EXPECT_FALSE(AfxInitExtensionModule(state, nullptr));
     MwUnregisterModule(m);
-}
-
-TEST(MessageBox, GoesToStandardErrorInUtf8) {
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(IDOK, MessageBoxA(nullptr, "\xCE\xF2 10\xB0", "Mapwright", MB_OK));
-    EXPECT_EQ("Mapwright: \xD0\x9E\xD1\x82 10\xC2\xB0\n", testing::internal::GetCapturedStderr());
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
-// Every test runs in a private environment (never the user's data or
-// registry), in English unless it chooses otherwise.
+// Every test runs in a private environment, in English unless it chooses otherwise.
 #include <gtest/gtest.h>
-
 #include <cstdlib>
-
 #include "testenv.h"
 
 int main(int argc, char** argv) {

@@ -6,7 +6,6 @@
 #include <vector>
 
 namespace mwtest {
-
 // A fresh directory under $TMPDIR, removed with everything in it.
 class TempDir {
 public:
@@ -26,8 +25,7 @@ std::string ReadFile(const std::string& path);
 bool FileExists(const std::string& path);
 std::string ShippedCatalogDir();  // "<data>/Auxiliary Data" of the source tree
 
-// A private MAPWRIGHT_APPDIR (with copies of the shipped catalogs, or none)
-// and MAPWRIGHT_REGISTRY; these, HOME and XDG_* are restored afterwards.
+// Private MAPWRIGHT_APPDIR (with the shipped catalogs, or none) and MAPWRIGHT_REGISTRY; HOME, XDG_* restored.
 class IsolatedEnv {
 public:
     explicit IsolatedEnv(bool withCatalogs = true);
@@ -43,7 +41,6 @@ private:
     std::string m_appDir, m_registry;
     std::vector<std::pair<const char*, const char*>> m_saved;  // name, strdup'ed value or null
 };
-
 }  // namespace mwtest
 
 #endif
