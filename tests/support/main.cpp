@@ -1,11 +1,6 @@
-// The main of every test executable: tests run in a private environment, so
-// they never read or write the real user's data directory or registry, and
-// the user-interface language is English unless a test chooses otherwise.
+// Every test runs in a private environment, in English unless it chooses otherwise.
 #include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <string>
-
 #include "testenv.h"
 
 int main(int argc, char** argv) {

@@ -1,87 +1,66 @@
-// The module entry: loading the library ran DllMain with process attach;
-// calling it again drives the same steps a Windows loader would.
-#include <gtest/gtest.h>
-
-#include <string>
-
+// The loaded module as a host sees it.
 #include <mapwright/afxstr.h>
 #include <mapwright/basalt.h>
 #include <mapwright/module.h>
 #include <mapwright/resources.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <tuple>
 
 namespace {
-
-// What loading the module makes visible to a host.
-struct Observed {
-    HMODULE handle;
-    BOOL chainFound;
-    std::string chainText;
-    std::string basaltText;
-    const MwDialogTemplate* dialog;
-
-    bool operator==(const Observed& o) const {
-        return handle == o.handle && chainFound == o.chainFound && chainText == o.chainText &&
-               basaltText == o.basaltText && dialog == o.dialog;
-    }
-};
-
-Observed Observe() {
-    Observed o{};
-    o.handle = GetModuleHandleA("Mapwright.dll");
-    CString text;
-    o.chainFound = text.LoadString(832);
-    o.chainText = text.GetString();
-    o.basaltText = GetResourceString(838).GetString();
-    o.dialog = MwFindDialogTemplate(o.handle, 817);
-    return o;
-}
-
-class ModuleEntry : public ::testing::Test {
+class Module : public ::testing::Test {
 protected:
-    void SetUp() override { SetThreadUILanguage(LANG_ENGLISH_US); }
+    void SetUp() override {
+        SetThreadUILanguage(LANG_ENGLISH_US);
+        ASSERT_NE(nullptr, m = GetModuleHandleA("Mapwright.dll"));
+    }
     void TearDown() override { SetThreadUILanguage(0); }
+    // What loading the module makes visible to a host.
+    std::string Observe() {
+        CString text;
+        const BOOL found = text.LoadString(832);
+        return std::to_string(found) + text.GetString() + "|" + GetResourceString(838).GetString() +
+               (MwFindDialogTemplate(m, 817) ? "|817" : "|none");
+    }
+    HMODULE m = nullptr;
 };
 
-TEST_F(ModuleEntry, LoadingRegisteredTheModule) {
-    const Observed o = Observe();
-    EXPECT_NE(nullptr, o.handle);
-    EXPECT_TRUE(o.chainFound);
-    EXPECT_EQ("Geographic", o.chainText);
-    EXPECT_EQ("Decart coordinate system", o.basaltText);
-    EXPECT_NE(nullptr, o.dialog);
-}
-
-TEST_F(ModuleEntry, ThreadAttachAndDetachReturnOneAndChangeNothing) {
-    const Observed before = Observe();
-    const HINSTANCE instances[] = {before.handle, nullptr};
-    for (HINSTANCE instance : instances) {
-        for (DWORD reason : {DWORD{DLL_THREAD_ATTACH}, DWORD{DLL_THREAD_DETACH}, DWORD{DLL_THREAD_ATTACH}}) {
-            EXPECT_EQ(1, DllMain(instance, reason, nullptr)) << reason;
-            EXPECT_TRUE(before == Observe()) << "after reason " << reason;
-        }
-    }
-}
-
-TEST_F(ModuleEntry, ProcessDetachLeavesTheChainAndAttachJoinsIt) {
-    HMODULE module = GetModuleHandleA("Mapwright.dll");
-    ASSERT_NE(nullptr, module);
-
-    EXPECT_EQ(1, DllMain(module, DLL_PROCESS_DETACH, nullptr));
-    CString text("kept");
-    EXPECT_FALSE(text.LoadString(832));  // out of the resource chain
-    // Basalt keeps the name (there is no counterpart to AddModule) and the
-    // module's resources stay mapped until the library unloads.
-    EXPECT_EQ(std::string("Decart coordinate system"), GetResourceString(838).GetString());
-
-    EXPECT_EQ(1, DllMain(module, DLL_PROCESS_ATTACH, nullptr));
-    EXPECT_TRUE(text.LoadString(832));
-    EXPECT_EQ(std::string("Geographic"), text.GetString());
-}
-
-TEST_F(ModuleEntry, AttachWithoutAnInstanceIsRefusedAndHarmsNothing) {
-    const Observed before = Observe();
+TEST_F(Module, EntryPoint) {
+    const std::string loaded = "1Geographic|Decart coordinate system|817";
+    EXPECT_EQ(loaded, Observe());
+    EXPECT_EQ(1, DllMain(nullptr, DLL_THREAD_ATTACH, nullptr));
     EXPECT_EQ(0, DllMain(nullptr, DLL_PROCESS_ATTACH, nullptr));
-    EXPECT_TRUE(before == Observe());
+    EXPECT_EQ(loaded, Observe());
+    // Detach leaves the chain; Basalt keeps the name and the resources stay mapped.
+    EXPECT_EQ(1, DllMain(m, DLL_PROCESS_DETACH, nullptr));
+    EXPECT_EQ("0|Decart coordinate system|817", Observe());
+    EXPECT_EQ(1, DllMain(m, DLL_PROCESS_ATTACH, nullptr));
+    EXPECT_EQ(loaded, Observe());
 }
 
+// Representative strings and controls in both languages (Windows-1251).
+TEST_F(Module, ResourcesInBothLanguages) {
+    const struct { UINT id; const char *en, *ru; } strings[] = {
+        {832, "Geographic", "\xC3\xE5\xEE\xE3\xF0\xE0\xF4\xE8\xF7\xE5\xF1\xEA\xE0\xFF"},
+    };
+    for (LANGID language : {LANG_ENGLISH_US, LANG_RUSSIAN}) {
+        SetThreadUILanguage(language);
+        const bool ru = language == LANG_RUSSIAN;
+        for (const auto& c : strings) {
+            CString loaded("stale");
+            EXPECT_TRUE(loaded.LoadString(c.id));
+            EXPECT_EQ(ru ? c.ru : c.en, std::string(loaded.GetString())) << c.id;
+        }
+        CString text;
+        EXPECT_FALSE(text.LoadString(886) || text.LoadString(123));
+        const MwDialogTemplate* t = MwFindDialogTemplate(m, 817);
+        ASSERT_NE(nullptr, t);
+        EXPECT_EQ(std::make_tuple(language, 0x80C800C0u, std::string(ru ? "\xCE\xF2\xEC\xE5\xED\xE8\xF2\xFC" : "Cancel")),
+                  std::make_tuple(t->language, t->style, std::string(t->controls[9].text)));
+        EXPECT_STREQ("1.2.1.0", MwFindVersionValue(m, "fileversion"));
+    }
+    EXPECT_EQ(nullptr, MwFindDialogTemplate(m, 820));
+    EXPECT_EQ(nullptr, MwFindDialogTemplate(nullptr, 817));
+    EXPECT_EQ(nullptr, MwFindVersionValue(m, nullptr));
+}
 }  // namespace
