@@ -1,8 +1,10 @@
 // The catalog operations of CGeoReferenceData on small catalogs written by
-// each test, so every expected value is visible in the test itself.
+// each test, and a walk of the shipped catalogs through the library.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <set>
 #include <string>
 
 #include <mapwright/GeoReferenceData.h>
@@ -13,27 +15,37 @@
 namespace {
 
 std::string Datum(int section, int index, const std::string& name, const std::string& ellipsoid,
-                  const std::string& values = "0,0,0,0,0,0") {
+                  const char* values = "0,0,0,0,0,0") {
     std::string s = "[Format " + std::to_string(section) + "]\r\nDatumIndex=" + std::to_string(index) +
                     "\r\nDatumName=" + name + "\r\nEllipsoidIndex=" + ellipsoid + "\r\n";
-    size_t start = 0;
-    for (int i = 0; i < 6; ++i) {
-        size_t comma = values.find(',', start);
-        std::string v = values.substr(start, comma == std::string::npos ? std::string::npos : comma - start);
-        s += "datumParam_" + std::to_string(i / 3) + "_" + std::to_string(i % 3) + "=" + v + "\r\n";
+    const std::string v = values;
+    for (size_t i = 0, start = 0; i < 6; ++i) {
+        const size_t comma = v.find(',', start);
+        s += "datumParam_" + std::to_string(i / 3) + "_" + std::to_string(i % 3) + "=" +
+             v.substr(start, comma == std::string::npos ? std::string::npos : comma - start) + "\r\n";
         start = comma + 1;
     }
     return s;
 }
 
-std::string Ellipsoid(int section, const std::string& index, const std::string& name, const std::string& a,
-                      const std::string& rf) {
+std::string Ellipsoid(int section, const char* index, const char* name, const char* a, const char* rf) {
     return "[Format " + std::to_string(section) + "]\r\nIndex=" + index + "\r\nEllipsName=" + name +
            "\r\nellipsParam_0=" + a + "\r\nellipsParam_1=" + rf + "\r\n";
 }
 
-// The example catalogs: five datums, the one with index 3 on ellipsoid 5,
-// which sits in section 2 of the ellipsoid catalog.
+std::string Read(const std::string& file, int section, const char* key) {
+    char buf[256];
+    GetPrivateProfileStringA(("Format " + std::to_string(section)).c_str(), key, "", buf, sizeof buf, file.c_str());
+    return buf;
+}
+
+DatumParamTag Named(const char* datum) {
+    DatumParamTag tag{};
+    std::strcpy(tag.szDatumName, datum);
+    return tag;
+}
+
+// Five datums, the one with index 3 on ellipsoid 5, which sits in section 2.
 class Catalogs : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -50,13 +62,6 @@ protected:
     }
     std::string DatumFile() const { return m_env.catalogDir() + "/datum.ini"; }
     std::string EllipsFile() const { return m_env.catalogDir() + "/ellips.ini"; }
-    std::string Read(const std::string& file, int section, const char* key) const {
-        char buf[256];
-        std::string s = "Format " + std::to_string(section);
-        GetPrivateProfileStringA(s.c_str(), key, "<missing>", buf, sizeof buf, file.c_str());
-        return buf;
-    }
-
     mwtest::IsolatedEnv m_env{false};
     std::string m_datums, m_ellipsoids;
 };
@@ -65,13 +70,10 @@ TEST_F(Catalogs, CreateGeoInfoFillsTheRecordFromTheDatumIndex) {
     CGeoReferenceData r;
     EXPECT_EQ(1, r.CreateGeoInfo(TransverseMercator, 3));
     EXPECT_EQ(TransverseMercator, r.GetProjection());
-    EXPECT_EQ(3, r.GetDatum());
     EXPECT_EQ(5, r.GetEllipsoid());
-    EXPECT_STREQ("WGS 84", r.szDatumName);
     EXPECT_STREQ("WGS 84", r.szEllipsName);
     EXPECT_EQ(6378137.0, r.m_dGeoInfo[0]);
     EXPECT_EQ(298.257223563, r.m_dGeoInfo[1]);
-
     EXPECT_EQ(1, r.CreateGeoInfo(Geographic, 4));
     EXPECT_STREQ("Pulkovo 1942", r.szDatumName);
     EXPECT_STREQ("Krassovsky 1940", r.szEllipsName);
@@ -79,128 +81,83 @@ TEST_F(Catalogs, CreateGeoInfoFillsTheRecordFromTheDatumIndex) {
     EXPECT_EQ(0, std::memcmp(expected, r.m_nDatumValues, sizeof expected));
 }
 
-TEST_F(Catalogs, AGapHidesEverythingAfterIt) {
-    // Without section 1 the ellipsoid in section 2 is never reached.
-    m_ellipsoids = Ellipsoid(0, "1", "Airy 1830", "6377563.396", "299.3249646") +
-                   Ellipsoid(2, "5", "WGS 84", "6378137.0", "298.257223563");
-    Write();
-    CGeoReferenceData r;
-    r.SetEllipsName("previous");
-    EXPECT_EQ(1, r.CreateGeoInfo(Geographic, 3));
-    EXPECT_EQ(5, r.GetEllipsoid());  // the datum still names it
-    EXPECT_EQ(0.0, r.m_dGeoInfo[0]);
-    EXPECT_EQ(0.0, r.m_dGeoInfo[1]);
-    EXPECT_STREQ("previous", r.szEllipsName);  // names are written only on a match
-}
-
 TEST_F(Catalogs, CreateGeoInfoOutcomes) {
-    struct Case {
-        const char* why;
-        int startKind, kind, datumIndex;
-        int result, expectedKind, expectedDatum, expectedEllipsoid;
-        double expectedA;
+    const struct {
+        int startKind, kind, index, result, kindAfter, datum, ellipsoid;
+        double a;
+    } rows[] = {
+        {Mercator, 9, 3, 0, Mercator, 3, 5, 6378137.0},  // kind refused, datum part filled
+        {Mercator, 0, 3, 0, Mercator, 3, 5, 6378137.0},
+        {-1, Geographic, -1, 1, Geographic, 1, 0, 0.0},  // negative index: datum 1, nothing matched
+        {-1, UTM, 42, 1, UTM, 42, 0, 0.0},
     };
-    const Case cases[] = {
-        {"kind out of range: datum part filled, kind kept", Mercator, 9, 3, 0, Mercator, 3, 5, 6378137.0},
-        {"kind 0 refused", Mercator, 0, 3, 0, Mercator, 3, 5, 6378137.0},
-        {"negative index: datum 1, nothing matched", -1, Geographic, -1, 1, Geographic, 1, 0, 0.0},
-        {"index not in the catalog", -1, UTM, 42, 1, UTM, 42, 0, 0.0},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : rows) {
+        SCOPED_TRACE(std::to_string(c.kind) + " " + std::to_string(c.index));
         CGeoReferenceData r;
         if (c.startKind > 0) r.SetProjection(c.startKind);
         r.m_nDatumValues[0] = 99;
-        EXPECT_EQ(c.result, r.CreateGeoInfo(c.kind, c.datumIndex)) << c.why;
-        EXPECT_EQ(c.expectedKind, r.GetProjection()) << c.why;
-        EXPECT_EQ(c.expectedDatum, r.GetDatum()) << c.why;
-        EXPECT_EQ(c.expectedEllipsoid, r.GetEllipsoid()) << c.why;
-        EXPECT_EQ(c.expectedA, r.m_dGeoInfo[0]) << c.why;
-        if (c.expectedA == 0.0) {
-            EXPECT_EQ(0, r.m_nDatumValues[0]) << c.why;
-        }
+        EXPECT_EQ(c.result, r.CreateGeoInfo(c.kind, c.index));
+        EXPECT_EQ(c.kindAfter, r.GetProjection());
+        EXPECT_EQ(c.datum, r.GetDatum());
+        EXPECT_EQ(c.ellipsoid, r.GetEllipsoid());
+        EXPECT_EQ(c.a, r.m_dGeoInfo[0]);
+        EXPECT_EQ(0, r.m_nDatumValues[0]);
     }
 }
 
-TEST_F(Catalogs, TheLastOfDuplicateIndicesWins) {
-    m_datums += Datum(5, 3, "WGS 84 (again)", "7", "1,2,3,4,5,6");
+TEST_F(Catalogs, ScansStopAtAGapTakeTheLastDuplicateAndReadAsAtoiDoes) {
+    m_datums += Datum(5, 3, "WGS 84 (again)", "7", "1,2,3,4,5,6") +
+                Datum(6, 6, "Odd values", "05", "70000,-40000, 12abc,x,,-1");
+    m_ellipsoids = Ellipsoid(0, "1", "Airy 1830", "6377563.396", "299.3249646") +
+                   Ellipsoid(1, "7", "Krassovsky 1940", "6378245.0", "298.3") +
+                   Ellipsoid(2, "05", "Padded", "  6378000.5xyz", "garbage") +
+                   Ellipsoid(4, "5", "Hidden", "6378137.0", "298.257223563");  // after a gap
     Write();
     CGeoReferenceData r;
     r.CreateGeoInfo(Geographic, 3);
     EXPECT_STREQ("WGS 84 (again)", r.szDatumName);
     EXPECT_STREQ("Krassovsky 1940", r.szEllipsName);
     EXPECT_EQ(6, r.m_nDatumValues[5]);
-}
-
-TEST_F(Catalogs, IndicesAreMatchedAsTextAndNumbersReadAsAtoiAndAtofDo) {
-    m_datums += Datum(5, 6, "Odd values", "05", "70000,-40000, 12abc,x,,-1");
-    m_ellipsoids += Ellipsoid(3, "05", "Padded", "  6378000.5xyz", "garbage");
-    Write();
-    CGeoReferenceData r;
     r.CreateGeoInfo(Geographic, 6);
     EXPECT_EQ(5, r.GetEllipsoid());
     EXPECT_STREQ("Padded", r.szEllipsName);  // "05" finds "05", not "5"
     EXPECT_EQ(6378000.5, r.m_dGeoInfo[0]);
     EXPECT_EQ(0.0, r.m_dGeoInfo[1]);
-    const short expected[6] = {static_cast<short>(70000 - 65536), static_cast<short>(-40000 + 65536), 12, 0, 0, -1};
+    const short expected[6] = {70000 - 65536, -40000 + 65536, 12, 0, 0, -1};
     EXPECT_EQ(0, std::memcmp(expected, r.m_nDatumValues, sizeof expected));
-
-    // The name lookup writes the index back with "%d": "05" finds "5".
-    DatumParamTag tag{};
-    std::strcpy(tag.szDatumName, "Odd values");
+    DatumParamTag tag = Named("Odd values");  // the name lookup writes the index back with "%d"
     EXPECT_EQ(1, r.GetDatumParam(&tag));
-    EXPECT_STREQ("WGS 84", tag.szEllipsName);
-}
-
-TEST_F(Catalogs, MissingCatalogsBehaveAsEmptyOnes) {
-    std::remove(DatumFile().c_str());
-    std::remove(EllipsFile().c_str());
-    CGeoReferenceData r;
-    r.SetDatumName("kept");
-    EXPECT_EQ(1, r.CreateGeoInfo(Cartesian, 3));
-    EXPECT_EQ(Cartesian, r.GetProjection());
-    EXPECT_EQ(0, r.GetEllipsoid());
+    EXPECT_STREQ("", tag.szEllipsName);  // "5" lies beyond the gap
+    r.SetEllipsName("previous");
+    r.CreateGeoInfo(Geographic, 2);  // ellipsoid 2 is nowhere: names written only on a match
     EXPECT_EQ(0.0, r.m_dGeoInfo[0]);
-    EXPECT_STREQ("kept", r.szDatumName);
-    DatumParamTag tag{};
-    std::strcpy(tag.szDatumName, "WGS 84");
-    EXPECT_EQ(0, r.GetDatumParam(&tag));
+    EXPECT_STREQ("previous", r.szEllipsName);
 }
 
 TEST_F(Catalogs, GetDatumParamReportsTheDatumInKilometres) {
     CGeoReferenceData r;
-    DatumParamTag tag{};
-    tag.nSize = 136;
-    tag.nFlags = 1;
-    std::strcpy(tag.szDatumName, "Pulkovo 1942");
+    DatumParamTag tag = Named("Pulkovo 1942");
     EXPECT_EQ(1, r.GetDatumParam(&tag));
     EXPECT_STREQ("Krassovsky 1940", tag.szEllipsName);
-    EXPECT_EQ(6378.245, double{tag.dSemiMajorKm});  // a copy: the field is packed
-    EXPECT_EQ(298.3, double{tag.dInvFlattening});  // a copy: the field is packed
-    const int16_t expected[6] = {28, -130, -95, 1, 2, 3};
-    EXPECT_EQ(0, std::memcmp(expected, tag.nDatumValues, sizeof expected));
+    EXPECT_EQ(6378.245, double{tag.dSemiMajorKm});  // copies: the fields are packed
+    EXPECT_EQ(298.3, double{tag.dInvFlattening});
+    EXPECT_EQ(3, tag.nDatumValues[5]);
     EXPECT_EQ(-1, r.GetProjection());  // the record is not changed
-
-    DatumParamTag unknown{};
-    std::strcpy(unknown.szDatumName, "pulkovo 1942");  // case matters
+    DatumParamTag unknown = Named("pulkovo 1942");  // case matters
     std::strcpy(unknown.szEllipsName, "caller's");
     const DatumParamTag before = unknown;
     EXPECT_EQ(0, r.GetDatumParam(&unknown));
     EXPECT_EQ(0, std::memcmp(&before, &unknown, sizeof before));
     EXPECT_EQ(0, r.GetDatumParam(nullptr));
-}
-
-TEST_F(Catalogs, GetDatumParamKeepsTheCallersEllipsoidWhenItIsMissing) {
     m_datums += Datum(5, 6, "Lost ellipsoid", "99", "1,2,3,0,0,0");
     Write();
-    CGeoReferenceData r;
-    DatumParamTag tag{};
-    std::strcpy(tag.szDatumName, "Lost ellipsoid");
-    std::strcpy(tag.szEllipsName, "mine");
-    tag.dSemiMajorKm = 1.5;
-    EXPECT_EQ(1, r.GetDatumParam(&tag));
-    EXPECT_STREQ("mine", tag.szEllipsName);
-    EXPECT_EQ(1.5, double{tag.dSemiMajorKm});  // a copy: the field is packed
-    EXPECT_EQ(3, tag.nDatumValues[2]);
+    DatumParamTag lost = Named("Lost ellipsoid");  // the caller's ellipsoid is kept
+    std::strcpy(lost.szEllipsName, "mine");
+    lost.dSemiMajorKm = 1.5;
+    EXPECT_EQ(1, r.GetDatumParam(&lost));
+    EXPECT_STREQ("mine", lost.szEllipsName);
+    EXPECT_EQ(1.5, double{lost.dSemiMajorKm});
+    EXPECT_EQ(3, lost.nDatumValues[2]);
 }
 
 TEST_F(Catalogs, SetDatumAndEllipsIndexAppendsUnknownNamesOnce) {
@@ -214,70 +171,90 @@ TEST_F(Catalogs, SetDatumAndEllipsIndexAppendsUnknownNamesOnce) {
     EXPECT_EQ(1, r.SetDatumAndEllipsIndex());
     EXPECT_EQ(7, r.GetEllipsoid());  // known ellipsoid
     EXPECT_EQ(6, r.GetDatum());      // appended in section 5 with index 6
-    EXPECT_EQ("6", Read(DatumFile(), 5, "DatumIndex"));
     EXPECT_EQ("7", Read(DatumFile(), 5, "EllipsoidIndex"));
-    EXPECT_EQ("Pulkovo 1942 (Hungary)", Read(DatumFile(), 5, "DatumName"));
     EXPECT_EQ("-121", Read(DatumFile(), 5, "datumParam_0_1"));
     EXPECT_EQ(m_ellipsoids, mwtest::ReadFile(EllipsFile()));
-
-    const std::string datumsAfterFirst = mwtest::ReadFile(DatumFile());
-    CGeoReferenceData again;
-    again.SetEllipsName("Krassovsky 1940");
-    again.SetDatumName("Pulkovo 1942 (Hungary)");
-    EXPECT_EQ(1, again.SetDatumAndEllipsIndex());
-    EXPECT_EQ(6, again.GetDatum());
-    EXPECT_EQ(datumsAfterFirst, mwtest::ReadFile(DatumFile()));
-
-    // And the new entry is a real catalog entry now.
-    CGeoReferenceData loaded;
+    const std::string after = mwtest::ReadFile(DatumFile());
+    EXPECT_EQ(1, r.SetDatumAndEllipsIndex());
+    EXPECT_EQ(after, mwtest::ReadFile(DatumFile()));
+    CGeoReferenceData loaded;  // a real catalog entry now
     loaded.CreateGeoInfo(Geographic, 6);
     EXPECT_STREQ("Pulkovo 1942 (Hungary)", loaded.szDatumName);
-    EXPECT_EQ(6378245.0, loaded.m_dGeoInfo[0]);
     EXPECT_EQ(-77, loaded.m_nDatumValues[2]);
-}
-
-TEST_F(Catalogs, SetDatumAndEllipsIndexAppendsANewEllipsoidWithSixDecimals) {
-    CGeoReferenceData r;
-    r.SetEllipsName("Test sphere");
-    r.SetDatumName("Test datum");
-    double geo[2] = {6371000.0, 298.257223563};
-    r.SetGeoInfo(geo, nullptr);
-    EXPECT_EQ(1, r.SetDatumAndEllipsIndex());
-    EXPECT_EQ(4, r.GetEllipsoid());  // section 3, index 4
+    CGeoReferenceData sphere;  // a new ellipsoid, "%lf": six decimals
+    sphere.SetEllipsName("Test sphere");
+    sphere.SetDatumName("Test datum");
+    double g[2] = {6371000.0, 298.257223563};
+    sphere.SetGeoInfo(g, nullptr);
+    EXPECT_EQ(1, sphere.SetDatumAndEllipsIndex());
+    EXPECT_EQ(4, sphere.GetEllipsoid());
     EXPECT_EQ("6371000.000000", Read(EllipsFile(), 3, "ellipsParam_0"));
-    EXPECT_EQ("298.257224", Read(EllipsFile(), 3, "ellipsParam_1"));  // "%lf" keeps six decimals
-    EXPECT_EQ("4", Read(DatumFile(), 5, "EllipsoidIndex"));
+    EXPECT_EQ("298.257224", Read(EllipsFile(), 3, "ellipsParam_1"));
+    EXPECT_EQ("4", Read(DatumFile(), 6, "EllipsoidIndex"));
+    CGeoReferenceData half;  // both names are needed
+    half.SetDatumName("Something");
+    EXPECT_EQ(0, half.SetDatumAndEllipsIndex());
+    EXPECT_EQ(-1, half.GetDatum());
 }
 
-TEST_F(Catalogs, SetDatumAndEllipsIndexNeedsBothNames) {
-    CGeoReferenceData r;
-    r.SetDatumName("Something");
-    EXPECT_EQ(0, r.SetDatumAndEllipsIndex());
-    EXPECT_EQ(-1, r.GetDatum());
-    EXPECT_EQ(m_datums, mwtest::ReadFile(DatumFile()));
-}
-
-TEST_F(Catalogs, EmptyCatalogsGetTheirFirstEntries) {
+TEST_F(Catalogs, MissingCatalogsAreEmptyOnesAndPathsCanChange) {
     std::remove(DatumFile().c_str());
     std::remove(EllipsFile().c_str());
     CGeoReferenceData r;
+    r.SetDatumName("kept");
+    EXPECT_EQ(1, r.CreateGeoInfo(Cartesian, 3));
+    EXPECT_EQ(0, r.GetEllipsoid());
+    EXPECT_STREQ("kept", r.szDatumName);
+    DatumParamTag tag = Named("WGS 84");
+    EXPECT_EQ(0, r.GetDatumParam(&tag));
     r.SetEllipsName("WGS 84");
     r.SetDatumName("WGS 84");
-    EXPECT_EQ(1, r.SetDatumAndEllipsIndex());
+    EXPECT_EQ(1, r.SetDatumAndEllipsIndex());  // the first entries
     EXPECT_EQ(1, r.GetEllipsoid());
     EXPECT_EQ(1, r.GetDatum());
     EXPECT_EQ("1", Read(DatumFile(), 0, "DatumIndex"));
-    EXPECT_EQ("WGS 84", Read(EllipsFile(), 0, "EllipsName"));
-}
-
-TEST_F(Catalogs, ChangedPathsAreUsedByLaterCalls) {
     const std::string other = m_env.catalogDir() + "/other.ini";
-    mwtest::WriteFile(other, Datum(0, 3, "Elsewhere", "5"));
-    CGeoReferenceData r;
+    mwtest::WriteFile(other, Datum(0, 3, "Elsewhere", "1"));
     *r.GetDatumFile() = other.c_str();
     r.CreateGeoInfo(Geographic, 3);
     EXPECT_STREQ("Elsewhere", r.szDatumName);
+}
+
+TEST(ShippedCatalogs, EveryDatumAndEllipsoidIsReached) {
+    mwtest::IsolatedEnv env;
+    const std::string datums = env.catalogDir() + "/datum.ini", ellipsoids = env.catalogDir() + "/ellips.ini";
+    std::set<int> reached;
+    int n = 0;
+    for (; !Read(datums, n, "DatumName").empty(); ++n) {
+        SCOPED_TRACE("datum section " + std::to_string(n));
+        const std::string name = Read(datums, n, "DatumName");
+        CGeoReferenceData r;
+        ASSERT_EQ(1, r.CreateGeoInfo(Geographic, std::atoi(Read(datums, n, "DatumIndex").c_str())));
+        EXPECT_EQ(name, r.szDatumName);
+        EXPECT_EQ(std::atoi(Read(datums, n, "EllipsoidIndex").c_str()), r.GetEllipsoid());
+        EXPECT_GT(r.m_dGeoInfo[0], 6377000.0);  // 0 would mean "not found"
+        for (int i = 0; i < 3; ++i) {
+            const std::string key = "datumParam_0_" + std::to_string(i);
+            EXPECT_EQ(std::atoi(Read(datums, n, key.c_str()).c_str()), r.m_nDatumValues[i]);
+        }
+        DatumParamTag tag = Named(name.c_str());
+        ASSERT_EQ(1, r.GetDatumParam(&tag));
+        EXPECT_STREQ(r.szEllipsName, tag.szEllipsName);
+        EXPECT_DOUBLE_EQ(r.m_dGeoInfo[0] / 1000.0, double{tag.dSemiMajorKm});
+        EXPECT_EQ(r.m_dGeoInfo[1], double{tag.dInvFlattening});
+        reached.insert(r.GetEllipsoid());
+    }
+    EXPECT_EQ(n, 68);
+    for (int k = 0; !Read(ellipsoids, k, "EllipsName").empty(); ++k)
+        EXPECT_TRUE(reached.count(std::atoi(Read(ellipsoids, k, "Index").c_str()))) << Read(ellipsoids, k, "EllipsName");
+    CGeoReferenceData r;
+    r.SetDefault();  // Geographic on WGS 84, the shift pivot
+    EXPECT_EQ(Geographic, r.GetProjection());
+    EXPECT_EQ(3, r.GetDatum());
     EXPECT_STREQ("WGS 84", r.szEllipsName);
+    EXPECT_EQ(6378137.0, r.m_dGeoInfo[0]);
+    EXPECT_EQ(298.257223563, r.m_dGeoInfo[1]);
+    for (short v : r.m_nDatumValues) EXPECT_EQ(0, v);
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // Reference systems saved to and loaded from the per-user registry.
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <cstring>
 #include <string>
 
@@ -21,7 +19,7 @@ std::string Stored(const char* path, const char* name) {
     if (RegOpenKeyExA(HKEY_CURRENT_USER, path, 0, KEY_READ, &key) != ERROR_SUCCESS) return "<missing>";
     char data[512];
     DWORD size = sizeof data;
-    LONG rc = RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(data), &size);
+    const LONG rc = RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(data), &size);
     RegCloseKey(key);
     return rc == ERROR_SUCCESS ? std::string(data, size) : "<missing>";
 }
@@ -45,137 +43,88 @@ int CountBox(HWND, LPCSTR text, LPCSTR caption, UINT) {
 
 class Persistence : public ::testing::Test {
 protected:
-    void SetUp() override {
-        g_boxes = 0;
-        m_oldHook = SetMessageBoxHook(&CountBox);
-    }
+    void SetUp() override { g_boxes = 0, m_oldHook = SetMessageBoxHook(&CountBox); }
     void TearDown() override { SetMessageBoxHook(m_oldHook); }
     mwtest::IsolatedEnv m_env;
     MessageBoxHook m_oldHook = nullptr;
 };
 
-TEST_F(Persistence, TransverseMercatorRoundTrip) {
-    CGeoReferenceData r;
-    r.CreateGeoInfo(TransverseMercator, 4);
-    ScaledProjectionParam p{0.9996, 39.0, 0.0, 500000, 0};
-    r.SetParam(&p);
-    ASSERT_EQ(1, r.SaveData("Software\\Test\\TM"));
+TEST_F(Persistence, EachKindRoundTrips) {
     const struct {
-        const char* name;
-        const char* text;
-    } expected[] = {{"ProjectionIndex", "4"}, {"DatumIndex", "4"},      {"scale", "0.999600"}, {"c_lon", "39.000000"},
-                    {"lat_origin", "0.000000"}, {"fe", "500000"}, {"fn", "0"}};
-    for (const auto& e : expected) EXPECT_EQ(e.text, Stored("Software\\Test\\TM", e.name)) << e.name;
-
-    CGeoReferenceData loaded;
-    loaded.LoadData("software\\test\\tm");  // key paths ignore case
-    EXPECT_EQ(TransverseMercator, loaded.GetProjection());
-    EXPECT_EQ(4, loaded.GetDatum());
-    EXPECT_STREQ("Pulkovo 1942", loaded.szDatumName);
-    EXPECT_EQ(6378245.0, loaded.m_dGeoInfo[0]);
-    EXPECT_EQ(0, std::memcmp(&p, loaded.GetParam(), sizeof p));
+        int kind;
+        ScaledProjectionParam p;  // the other kinds take the last four fields
+        const char *scale, *c_lon;
+        double loadedScale;
+    } rows[] = {
+        {TransverseMercator, {0.9996, 39.0, 0.5, 500000, -7}, "0.999600", "39.000000", 0.9996},
+        {GaussKruger, {0.5, 39.0, 0.5, 500000, -7}, "1", "39.000000", 1.0},  // always at scale 1
+        {UTM, {0, 30.0, 10.0, 1, 37}, "37", "30.000000", 0},                 // the zone; ignored on load
+        {Mercator, {0, -30.25, 10.0, 5, 6}, "1", "-30.250000", 0},
+        {Geographic, {0, 30.0, 10.0, 5, 6}, "1", "30.000000", 0},  // its block is saved whatever it holds
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.kind);
+        CGeoReferenceData s;
+        s.CreateGeoInfo(r.kind, 4);
+        const bool scaled = r.kind == GaussKruger || r.kind == TransverseMercator;
+        ProjectionParam q{r.p.c_lon, r.p.lat_origin, r.p.fe, r.p.fn};
+        if (scaled) s.SetParam(const_cast<ScaledProjectionParam*>(&r.p));
+        else std::memcpy(s.GetParam(), &q, sizeof q);
+        ASSERT_EQ(1, s.SaveData("Software\\Test\\Kind"));
+        EXPECT_EQ(std::to_string(r.kind), Stored("Software\\Test\\Kind", "ProjectionIndex"));
+        EXPECT_EQ("4", Stored("Software\\Test\\Kind", "DatumIndex"));
+        EXPECT_EQ(r.scale, Stored("Software\\Test\\Kind", "scale"));
+        EXPECT_EQ(r.c_lon, Stored("Software\\Test\\Kind", "c_lon"));
+        EXPECT_EQ(std::to_string(r.p.fn), Stored("Software\\Test\\Kind", "fn"));
+        CGeoReferenceData loaded;
+        loaded.LoadData("software\\test\\kind");  // key paths ignore case
+        EXPECT_EQ(r.kind, loaded.GetProjection());
+        EXPECT_EQ(4, loaded.GetDatum());
+        EXPECT_STREQ("Pulkovo 1942", loaded.szDatumName);
+        EXPECT_EQ(6378245.0, loaded.m_dGeoInfo[0]);
+        if (scaled) {
+            ScaledProjectionParam expected = r.p;
+            expected.scale = r.loadedScale;
+            EXPECT_EQ(0, std::memcmp(&expected, loaded.GetParam(), sizeof expected));
+        } else {
+            EXPECT_EQ(0, std::memcmp(&q, loaded.GetParam(), sizeof q));
+        }
+    }
     EXPECT_EQ(0, g_boxes);
 }
 
-TEST_F(Persistence, ScaleValueDependsOnTheKind) {
-    struct Case {
-        int kind;
-        double scale;  // for kinds 3 and 4
-        int fe, fn;
-        const char* storedScale;
-        double loadedScale;
-    };
-    const Case cases[] = {
-        {UTM, 0, 1, 37, "37", 0},                // the zone; ignored on load
-        {GaussKruger, 0.5, 500000, 0, "1", 1.0}, // Gauss-Kruger always works at scale 1
-        {Mercator, 0, 0, 0, "1", 0},
-        {Geographic, 0, 0, 0, "1", 0},
-    };
-    for (const Case& c : cases) {
-        CGeoReferenceData r;
-        r.CreateGeoInfo(c.kind, 3);
-        if (c.kind == GaussKruger) {
-            ScaledProjectionParam p{c.scale, 39.0, 0.0, c.fe, c.fn};
-            r.SetParam(&p);
-        } else if (void* block = r.GetParam()) {
-            ProjectionParam p{30.0, 10.0, c.fe, c.fn};
-            std::memcpy(block, &p, sizeof p);  // Geographic blocks are saved whatever they hold
-        }
-        ASSERT_EQ(1, r.SaveData("Software\\Test\\Kind"));
-        EXPECT_EQ(c.storedScale, Stored("Software\\Test\\Kind", "scale")) << c.kind;
-        EXPECT_EQ(std::to_string(c.fn), Stored("Software\\Test\\Kind", "fn")) << c.kind;
-
-        CGeoReferenceData loaded;
-        loaded.LoadData("Software\\Test\\Kind");
-        EXPECT_EQ(c.kind, loaded.GetProjection());
-        if (c.kind == GaussKruger) {
-            auto* p = static_cast<ScaledProjectionParam*>(loaded.GetParam());
-            EXPECT_EQ(c.loadedScale, p->scale);
-            EXPECT_EQ(39.0, p->c_lon);
-        } else {
-            auto* p = static_cast<ProjectionParam*>(loaded.GetParam());
-            EXPECT_EQ(c.fe, p->fe) << c.kind;
-            EXPECT_EQ(c.fn, p->fn) << c.kind;
-            EXPECT_EQ(30.0, p->c_lon) << c.kind;
-        }
-    }
-}
-
-TEST_F(Persistence, MissingKeyGivesGeographicOnWgs84) {
+TEST_F(Persistence, MissingOrBadValuesFallBackOneByOne) {
     CGeoReferenceData r;
     r.SetProjection(Mercator);
-    r.LoadData("Software\\Test\\Nothing here");
+    r.LoadData("Software\\Test\\Nothing here");  // no key: Geographic on WGS 84
     EXPECT_EQ(Geographic, r.GetProjection());
     EXPECT_EQ(3, r.GetDatum());
-    EXPECT_STREQ("WGS 84", r.szDatumName);
-    ProjectionParam zero{};
-    EXPECT_EQ(0, std::memcmp(&zero, r.GetParam(), sizeof zero));
-}
-
-TEST_F(Persistence, BadValuesFallBackOneByOne) {
     const char* path = "Software\\Test\\Odd";
     Store(path, "ProjectionIndex", "5");
-    Store(path, "DatumIndex", "");                   // empty: default 3
-    Store(path, "c_lon", std::string(300, '7'));     // does not fit 256 bytes: default 0
-    Store(path, "lat_origin", "12.5 degrees");       // the number at the front counts
-    Store(path, "fe", "east");                       // no number: 0
-    Store(path, "fn", "99999999999999999999");       // clamped, never undefined
-    CGeoReferenceData r;
+    Store(path, "DatumIndex", "");                // empty: default 3
+    Store(path, "c_lon", std::string(300, '7'));  // does not fit 256 bytes: default 0
+    Store(path, "lat_origin", "12.5 degrees");    // the number at the front counts
+    Store(path, "fe", "east");                    // no number: 0
+    Store(path, "fn", "99999999999999999999");    // clamped, never undefined
     r.LoadData(path);
     EXPECT_EQ(Mercator, r.GetProjection());
     EXPECT_EQ(3, r.GetDatum());
-    auto* p = static_cast<ProjectionParam*>(r.GetParam());
-    EXPECT_EQ(0.0, p->c_lon);
-    EXPECT_EQ(12.5, p->lat_origin);
-    EXPECT_EQ(0, p->fe);
-    EXPECT_EQ(2147483647, p->fn);
-}
-
-TEST_F(Persistence, AnUnknownKindKeepsTheOldSystemButRefillsTheDatum) {
-    const char* path = "Software\\Test\\Nine";
-    Store(path, "ProjectionIndex", "9");
+    const ProjectionParam expected{0.0, 12.5, 0, 2147483647};
+    EXPECT_EQ(0, std::memcmp(&expected, r.GetParam(), sizeof expected));
+    Store(path, "ProjectionIndex", "9");  // an unknown kind keeps the block, refills the datum
     Store(path, "DatumIndex", "4");
-    Store(path, "c_lon", "45");
-    CGeoReferenceData r;
-    r.CreateGeoInfo(TransverseMercator, 3);
-    ScaledProjectionParam p{0.9996, 39.0, 0.0, 500000, 0};
-    r.SetParam(&p);
     r.LoadData(path);
-    EXPECT_EQ(TransverseMercator, r.GetProjection());
-    EXPECT_EQ(0, std::memcmp(&p, r.GetParam(), sizeof p));
-    EXPECT_EQ(4, r.GetDatum());
+    EXPECT_EQ(Mercator, r.GetProjection());
+    EXPECT_EQ(0, std::memcmp(&expected, r.GetParam(), sizeof expected));
     EXPECT_STREQ("Pulkovo 1942", r.szDatumName);
 }
 
-TEST_F(Persistence, ARecordWithoutAKindIsNotSaved) {
-    CGeoReferenceData r;
-    EXPECT_EQ(0, r.SaveData("Software\\Test\\Unset"));
+TEST_F(Persistence, FailuresToSave) {
+    CGeoReferenceData unset;  // no kind: not saved, no message
+    EXPECT_EQ(0, unset.SaveData("Software\\Test\\Unset"));
     EXPECT_EQ("<missing>", Stored("Software\\Test\\Unset", "ProjectionIndex"));
     EXPECT_EQ(0, g_boxes);
-}
-
-TEST_F(Persistence, AStoreThatCannotBeWrittenShowsMessage211) {
-    // The store's directory is a regular file, so nothing can be created there.
+    // The store's directory is a regular file: message 211, and loading gives the defaults.
     const std::string blocker = m_env.appDir() + "/not-a-directory";
     mwtest::WriteFile(blocker, "x");
     setenv("MAPWRIGHT_REGISTRY", (blocker + "/registry.sqlite3").c_str(), 1);
@@ -185,8 +134,6 @@ TEST_F(Persistence, AStoreThatCannotBeWrittenShowsMessage211) {
     EXPECT_EQ(1, g_boxes);
     EXPECT_EQ(std::string(GetResourceString(211).GetString()), g_boxText);
     EXPECT_EQ(" ", g_boxCaption);
-
-    // Loading from it is not an error: the defaults.
     r.SetProjection(UTM);
     r.LoadData("Software\\Test\\Blocked");
     EXPECT_EQ(Geographic, r.GetProjection());
