@@ -73,7 +73,7 @@ TEST(ReferenceRecord, SetParamCopiesTheBlockOfTheKind) {
         CGeoReferenceData r;
         r.SetProjection(kind);
         EXPECT_EQ(1, r.SetParam(source)) << kind;
-        if (copied[kind]) EXPECT_EQ(0, std::memcmp(source, r.GetParam(), copied[kind])) << kind;
+        if (copied[kind]) { EXPECT_EQ(0, std::memcmp(source, r.GetParam(), copied[kind])) << kind; }
         else EXPECT_TRUE(AllZero(r.GetParam(), 24)) << kind;
     }
     CGeoReferenceData unset;
