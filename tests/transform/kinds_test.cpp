@@ -48,26 +48,13 @@ TEST(CoreMercator, ForwardCases) {
     }
 }
 
-TEST(CoreMercator, InverseAndTheSphere) {
+TEST(CoreMercator, InverseTendsToThePoles) {
     MercState s(merc_create(kA, kRf, 30.0, 0.0));
     for (const auto& [north, lat, st] : {std::tuple{2000.0, 0.0, 0}, {1e9, 90.0, 17}, {-1e9, -90.0, 17}}) {
         double la = kUnwritten, lo = kUnwritten;
         EXPECT_EQ(merc_pr_to_geo(s.get(), 1000.0, north, &la, &lo, 1000, 2000), st);
         EXPECT_NEAR(la, lat, 1e-9);
         EXPECT_NEAR(lo, 30.0, 1e-12);
-    }
-    // rf <= 0: y = R k0 ln tan(pi/4 + phi/2), and the inverse is exact.
-    const double R = 6371000.0;
-    MercState sph(merc_create(R, 0.0, 0.0, 30.0));
-    EXPECT_DOUBLE_EQ(sph->k0, std::cos(ref::rad(30.0)));
-    for (double lat = -85.0; lat <= 85.0; lat += 17.0) {
-        double east, north, la, lo;
-        ASSERT_EQ(merc_geo_to_pr(sph.get(), lat, 10.0, &east, &north, 0, 0), 0);
-        EXPECT_NEAR(north, static_cast<double>(R * sph->k0 * std::log(std::tan(ref::kPiL / 4 + lat * ref::kPiL / 360))),
-                    1e-7) << lat;
-        merc_pr_to_geo(sph.get(), east, north, &la, &lo, 0, 0);
-        EXPECT_NEAR(la, lat, 1e-12) << lat;
-        EXPECT_NEAR(lo, 10.0, 1e-12) << lat;
     }
 }
 

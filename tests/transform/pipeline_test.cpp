@@ -168,6 +168,25 @@ TEST_F(Pipeline, CartesianHeightsAreUsedAndLost) {
     t.FreeGeoParam();
 }
 
+TEST_F(Pipeline, EachKindReadsItsOwnBlock) {
+    // On the central meridian the easting is the false easting exactly and the
+    // northing k0 times the arc: Gauss-Kruger at scale 1 whatever its block holds.
+    const ScaledProjectionParam gk{0.5, 39.0, 0.0, 7500000, 0}, tm{0.9996, 39.0, 0.0, 500000, 0};
+    double north[2];
+    for (int i = 0; i < 2; ++i) {
+        CGeoTransform t;
+        t.SetDatumAndPrSource(Geographic, 3);
+        t.SetDatumAndPrDest(i ? TransverseMercator : GaussKruger, 3);
+        t.GetReferenceDataDest()->SetParam(const_cast<ScaledProjectionParam*>(i ? &tm : &gk));
+        ASSERT_EQ(1, t.InitGeoParam());
+        const GeoCoordTag out = Convert(t, {55.0, 39.0, 0.0, 0});
+        EXPECT_EQ(i ? 500000.0 : 7500000.0, out.east);
+        north[i] = out.north;
+        t.FreeGeoParam();
+    }
+    EXPECT_NEAR(north[1] / north[0], 0.9996, 1e-12);
+}
+
 TEST_F(Pipeline, StatesBelongToFreeGeoParamAlone) {
     CGeoTransform t;
     ASSERT_EQ(1, t.SetGeoParam(GaussKruger, Mercator, 4, 3));
@@ -208,6 +227,9 @@ TEST_F(Pipeline, SettersSaveAndLoad) {
     EXPECT_EQ(UTM, loaded.GetGeoCoordDest()->GetProjection());
     EXPECT_EQ(37, Block(loaded.GetReferenceDataDest())->fn);
     loaded.FreeGeoParam();
+    CGeoTransform half;  // both sides are attempted; one unsaved side fails the pair
+    half.SetDatumAndPrSource(UTM, 3);
+    EXPECT_EQ(0, half.SaveData("Software\\Host\\Half"));
     EXPECT_EQ(1, t.SetDefault());
     EXPECT_EQ(Geographic, t.GetReferenceDataSource()->GetProjection());
     EXPECT_EQ(Geographic, t.GetGeoCoordDest()->GetProjection());

@@ -80,12 +80,16 @@ TEST_F(Tags, EachEnglishNameSelectsItsKindInEitherLanguage) {
             EXPECT_EQ(kind, t.GetReferenceDataDest()->GetProjection());
             EXPECT_EQ(kind, t.GetGeoCoordDest()->GetProjection());
             EXPECT_EQ(kind == UTM ? 37 : 0, Zone(t.GetGeoCoordDest()));  // zones belong to UTM alone
-            const ScaledProjectionParam p = Scaled(t.GetReferenceDataSource());
-            const bool scaled = kind == GaussKruger || kind == TransverseMercator;
             if (kind == Geographic) continue;
-            EXPECT_EQ(scaled ? 0.9996 : 39.0, p.scale);
-            EXPECT_EQ(scaled ? 39.0 : 1.5, p.c_lon);
-            if (scaled) { EXPECT_EQ(37, p.fn); }
+            ScaledProjectionParam p{};  // the block of the kind: scale first in 3 and 4 only
+            const bool scaled = kind == GaussKruger || kind == TransverseMercator;
+            if (scaled) p = Scaled(t.GetReferenceDataSource());
+            else std::memcpy(&p.c_lon, t.GetReferenceDataSource()->GetParam(), sizeof(ProjectionParam));
+            EXPECT_EQ(scaled ? 0.9996 : 0.0, p.scale);
+            EXPECT_EQ(39.0, p.c_lon);
+            EXPECT_EQ(1.5, p.lat_origin);
+            EXPECT_EQ(500000, p.fe);
+            EXPECT_EQ(37, p.fn);
         }
     }
 }
