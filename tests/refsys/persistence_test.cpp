@@ -105,11 +105,11 @@ TEST_F(Persistence, MissingOrBadValuesFallBackOneByOne) {
     Store(path, "c_lon", std::string(300, '7'));  // does not fit 256 bytes: default 0
     Store(path, "lat_origin", "12.5 degrees");    // the number at the front counts
     Store(path, "fe", "east");                    // no number: 0
-    Store(path, "fn", "99999999999999999999");    // clamped, never undefined
+    Store(path, "fn", "-99999999999999999999");   // clamped, never undefined
     r.LoadData(path);
     EXPECT_EQ(Mercator, r.GetProjection());
     EXPECT_EQ(3, r.GetDatum());
-    const ProjectionParam expected{0.0, 12.5, 0, 2147483647};
+    const ProjectionParam expected{0.0, 12.5, 0, INT32_MIN};
     EXPECT_EQ(0, std::memcmp(&expected, r.GetParam(), sizeof expected));
     Store(path, "ProjectionIndex", "9");  // an unknown kind keeps the block, refills the datum
     Store(path, "DatumIndex", "4");
