@@ -42,8 +42,6 @@ void geocentric(double a, double e2, double lat, double lon, double h, double* X
 TEST(Core, HelpersStateAndArea) {
     for (auto [x, y] : {std::pair{179.9, 179.9}, {180, -180}, {-180, -180}, {-180.5, 179.5}, {190, -170}, {540, 180}})
         EXPECT_EQ(normalize_lon_deg(x), y) << x;
-    for (auto [x, y] : {std::pair{kPi, kPi}, {-kPi, -kPi}, {kPi + .25, -kPi + .25}, {-kPi - .25, kPi - .25}, {7 * kPi, 3 * kPi}})
-        EXPECT_NEAR(normalize_angle_rad(x), y, 1e-14) << x;
     // The second parameter is rf, b or e^2 by its size; <= 0 a sphere.
     for (auto [in, e2] : {std::pair{kRf, kE2}, {kA * (1 - 1 / kRf), kE2}, {kE2, kE2}, {1.0, 1.0}, {0.0, 0.0}, {-5.0, 0.0}}) {
         ProjState s{};
@@ -353,34 +351,16 @@ TEST(Core, NonFiniteArguments) {
         EXPECT_EQ(utm_pr_to_geo(u, zone, 5e5, 5e6, &la, &lo), 0);
         EXPECT_DOUBLE_EQ(lo, 6.0 * zone - 183);
     }
-    // States made with a, rf, latitude, central meridian or k0 bad: a NaN shows or is refused.
-    const double good[] = {kA, kRf, 30, 20, 0.9996};
-    for (int i = 0; i < 5; ++i) {
-        for (double v : kBad) {
-            double p[5], x, y, z;
-            std::copy(good, good + 5, p);
+    for (double v : kBad) {  // states from a bad figure or origin: a NaN shows or is refused
+        for (int i = 0; i < 3; ++i) {
+            double p[3] = {kA, kRf, 30}, x[6]{}, y[6]{};
             p[i] = v;
-            auto chk = [&](int w, auto call) {
-                x = y = kU;
-                const int st = call();
-                EXPECT_TRUE(st == 0 || st == 17 || st == -2 || st == -17 || st == 2) << w << ": " << i << " = " << v << ": " << st;
-                if (std::isnan(v) && st != -2) { EXPECT_TRUE(std::isnan(x) || std::isnan(y)) << w << ": " << i; }
-            };
-            P t(tm_create(p[0], p[1], p[2], p[3], p[4])), ps(ps_create(p[0], p[1], 81, p[3], p[2] + 51)), dc(decart_create(p[0], p[1]));
-            M mc(merc_create(p[0], p[1], p[3], p[2]));
-            S s1(datum_shift_create(p[0], p[1], kPul, kA, kRf, nullptr)), s2(datum_shift_create(kA, kRf, nullptr, p[0], p[1], kPul));
-            chk(0, [&] { return tm_geo_to_pr(t.get(), 35, 22, &x, &y, 0, 0); });
-            chk(1, [&] { return tm_pr_to_geo(t.get(), 1000, 5000, &x, &y, 0, 0); });
-            if (i == 4) continue;  // the others take no scale factor
-            chk(2, [&] { return merc_geo_to_pr(mc.get(), 35, 22, &x, &y, 0, 0); });
-            chk(3, [&] { return merc_pr_to_geo(mc.get(), 1000, 5000, &x, &y, 0, 0); });
-            chk(4, [&] { return ps_geo_to_pr(ps.get(), 85, 22, &x, &y, 0, 0); });
-            chk(5, [&] { return ps_pr_to_geo(ps.get(), 1000, 5000, &x, &y, 0, 0); });
-            if (i >= 2) continue;  // the figure only
-            chk(6, [&] { return decart_geo_to_pr(dc.get(), 35, 22, 10, &x, &y, &z); });
-            chk(7, [&] { return decart_pr_to_geo(dc.get(), 4e6, 3e6, 3e6, &x, &y, &z); });
-            chk(8, [&] { return datum_shift_apply(35, 22, 10, &x, &y, &z, s1.get()); });
-            chk(9, [&] { return datum_shift_apply(35, 22, 10, &x, &y, &z, s2.get()); });
+            P t(tm_create(p[0], p[1], p[2], 20, 0.9996)), ps(ps_create(p[0], p[1], 81, 20, p[2] + 51));
+            M mc(merc_create(p[0], p[1], 20, p[2]));
+            const int st[] = {tm_geo_to_pr(t.get(), 35, 22, &x[0], &y[0], 0, 0), tm_pr_to_geo(t.get(), 1e3, 5e3, &x[1], &y[1], 0, 0),
+                              merc_geo_to_pr(mc.get(), 35, 22, &x[2], &y[2], 0, 0), merc_pr_to_geo(mc.get(), 1e3, 5e3, &x[3], &y[3], 0, 0),
+                              ps_geo_to_pr(ps.get(), 85, 22, &x[4], &y[4], 0, 0), ps_pr_to_geo(ps.get(), 1e3, 5e3, &x[5], &y[5], 0, 0)};
+            for (int k = 0; k < 6; ++k) EXPECT_TRUE(!std::isnan(v) || st[k] == -2 || std::isnan(x[k]) || std::isnan(y[k])) << i << " " << k;
         }
     }
 }
