@@ -21,195 +21,193 @@ using G = GeoCoordTag;
 G& Rec(CGeoCoord& c) { return *static_cast<G*>(c.GetCoord()); }
 std::string Str(const CString& s) { return std::string(s.GetString(), size_t(s.GetLength())); }
 CGeoCoord Make(int kind, G v) {
-    CGeoCoord c;
-    c.SetProjection(kind);
-    c.SetCoord(&v);
-    return c;
+  CGeoCoord c;
+  c.SetProjection(kind);
+  c.SetCoord(&v);
+  return c;
 }
 CGeoReferenceData Sys(int kind) {  // kinds outside 1..7 written directly
-    CGeoReferenceData s;
-    if (kind >= 1 && kind <= 7) s.SetProjection(kind);
-    else s.m_nProjection = kind;
-    return s;
+  CGeoReferenceData s;
+  if (kind >= 1 && kind <= 7) s.SetProjection(kind);
+  else s.m_nProjection = kind;
+  return s;
 }
 
 class Coord : public ::testing::Test {
 protected:
-    void TearDown() override { SetThreadUILanguage(LANG_ENGLISH_US); }
-    mwtest::IsolatedEnv m_env;
+  void TearDown() override { SetThreadUILanguage(LANG_ENGLISH_US); }
+  mwtest::IsolatedEnv m_env;
 };
 
 TEST_F(Coord, KindsCopiesAndTextIntoAField) {
-    CGeoCoord c;
-    G v{55.75, 37.62, 150, 37};
-    EXPECT_TRUE(c.SetCoord(&v) == 0 && Rec(c).north == 0);  // no kind yet
-    c.SetCoord("12.5", 0, true);
-    EXPECT_EQ(0, Rec(c).east);
-    for (auto [kind, r] : {std::pair{1, 1}, {1, 0}, {0, 0}, {8, 0}, {7, 1}, {1, 1}}) EXPECT_EQ(r, c.SetProjection(kind)) << kind;
-    EXPECT_TRUE(c.SetCoord(&v) == 1 && c.SetCoord(nullptr) == 0 && c.SetProjection(3) == 1);
-    EXPECT_TRUE(Rec(c).north == 55.75 && Rec(c).zone == 37);  // a new kind reads the same numbers
-    CGeoCoord b(c);
-    Rec(b).zone = 38;
-    EXPECT_EQ(37, Rec(c).zone);
-    b = CGeoCoord();  // kind 0: the kind is taken, the values kept
-    EXPECT_TRUE(b.GetProjection() == 0 && Rec(b).zone == 38);
-    const struct { int kind; const char* text; int field; bool dec; double G::*m; double v; } rows[] = {
-        {1, "12.5w", 0, true, &G::east, -12.5}, {1, "-12.5 W", 0, true, &G::east, 12.5}, {1, "12.5 S", 0, true, &G::east, 12.5},
-        {1, "abc", 0, true, &G::east, 1000}, {1, "55.5 S", 1, true, &G::north, -55.5}, {1, "123.4", 2, false, &G::height, 123.4},
-        {1, "1", 3, true, &G::height, 1000}, {1, "055\xB0 45' 20.88'' N", 1, false, &G::north, 55.7558}, {1, "037\xB0 37' 02.28'' W", 0, false, &G::east, -37.6173},
-        {2, "413000.5", 0, false, &G::east, 413000.5}, {2, "6182000", 1, false, &G::north, 6182000}, {2, "150", 3, false, &G::height, 150},
-        {2, "1", 4, false, &G::height, 1000}, {3, "abc", 0, false, &G::east, 0}, {3, "7", 2, false, &G::height, 7}, {3, "7", 3, false, &G::height, 1000},
-        {5, "1", -1, false, &G::east, 1000}};
-    for (auto& r : rows) {
-        CGeoCoord k = Make(r.kind, {1000, 1000, 1000, 1000});
-        k.SetCoord(r.text, r.field, r.dec);
-        EXPECT_TRUE(std::fabs(Rec(k).*r.m - r.v) < 1e-9 && Rec(k).zone == 1000) << r.kind << " '" << r.text << "' " << r.field;
-    }
-    CGeoCoord u = Make(2, {});
-    u.SetCoord("37", 2, false);
-    EXPECT_EQ(37, Rec(u).zone);
-    u.SetCoord("99999999999999", 2, false);  // clamped
-    u.SetCoord(nullptr, 2, false);
-    EXPECT_EQ(INT_MAX, Rec(u).zone);
+  CGeoCoord c;
+  G v{55.75, 37.62, 150, 37};
+  EXPECT_TRUE(c.SetCoord(&v) == 0 && Rec(c).north == 0);  // no kind yet
+  c.SetCoord("12.5", 0, true);
+  EXPECT_EQ(0, Rec(c).east);
+  for (auto [kind, r] : {std::pair{1, 1}, {1, 0}, {0, 0}, {8, 0}, {7, 1}, {1, 1}}) EXPECT_EQ(r, c.SetProjection(kind)) << kind;
+  EXPECT_TRUE(c.SetCoord(&v) == 1 && c.SetCoord(nullptr) == 0 && c.SetProjection(3) == 1);
+  EXPECT_TRUE(Rec(c).north == 55.75 && Rec(c).zone == 37);  // a new kind reads the same numbers
+  CGeoCoord b(c);
+  Rec(b).zone = 38;
+  EXPECT_EQ(37, Rec(c).zone);
+  b = CGeoCoord();  // kind 0: the kind is taken, the values kept
+  EXPECT_TRUE(b.GetProjection() == 0 && Rec(b).zone == 38);
+  const struct { int kind; const char* text; int field; bool dec; double G::*m; double v; } rows[] = {
+    {1, "12.5w", 0, true, &G::east, -12.5}, {1, "-12.5 W", 0, true, &G::east, 12.5}, {1, "12.5 S", 0, true, &G::east, 12.5},
+    {1, "abc", 0, true, &G::east, 1000}, {1, "55.5 S", 1, true, &G::north, -55.5}, {1, "123.4", 2, false, &G::height, 123.4},
+    {1, "1", 3, true, &G::height, 1000}, {1, "055\xB0 45' 20.88'' N", 1, false, &G::north, 55.7558}, {1, "037\xB0 37' 02.28'' W", 0, false, &G::east, -37.6173},
+    {2, "413000.5", 0, false, &G::east, 413000.5}, {2, "6182000", 1, false, &G::north, 6182000}, {2, "150", 3, false, &G::height, 150},
+    {2, "1", 4, false, &G::height, 1000}, {3, "abc", 0, false, &G::east, 0}, {3, "7", 2, false, &G::height, 7}, {3, "7", 3, false, &G::height, 1000},
+    {5, "1", -1, false, &G::east, 1000}};
+  for (auto& r : rows) {
+    CGeoCoord k = Make(r.kind, {1000, 1000, 1000, 1000});
+    k.SetCoord(r.text, r.field, r.dec);
+    EXPECT_TRUE(std::fabs(Rec(k).*r.m - r.v) < 1e-9 && Rec(k).zone == 1000) << r.kind << " '" << r.text << "' " << r.field;
+  }
+  CGeoCoord u = Make(2, {});
+  u.SetCoord("37", 2, false);
+  EXPECT_EQ(37, Rec(u).zone);
+  u.SetCoord("99999999999999", 2, false);  // clamped
+  u.SetCoord(nullptr, 2, false);
+  EXPECT_EQ(INT_MAX, Rec(u).zone);
 }
 
 TEST_F(Coord, OneFieldAsText) {
-    const double tie = 12 + 34 / 60.0 + 59.995 / 3600;  // a few ulps off the half
-    const struct { int kind; G v; int field; bool dec; const char* text; } rows[] = {
-        {1, {55.7558, 0, 0, 0}, 1, true, "055.7558000 N"}, {1, {-0.0, 0, 0, 0}, 1, true, "000.0000000 N"}, {1, {NAN, 0, 0, 0}, 1, true, "        nan S"},
-        {1, {0, -122.419, 0, 0}, 0, true, "122.4190000 W"}, {1, {0, 1000.5, 0, 0}, 0, true, "1000.5000000 E"},
-        {1, {-33.9, 0, 0, 0}, 1, false, "033\xB0 54' 00.00'' S"},
-        // Hundredths round half away from zero, also on an exact binary half (1/128 degree is 28.125'').
-        {1, {0, 10.0078125, 0, 0}, 0, false, "010\xB0 00' 28.13'' E"}, {1, {-10.0078125, 0, 0, 0}, 1, false, "010\xB0 00' 28.13'' S"},
-        {1, {0, tie, 0, 0}, 0, false, "012\xB0 35' 00.00'' E"}, {1, {0, 0, -12.5, 0}, 2, false, "-12.50"}, {1, {1, 2, 3, 4}, 3, true, ""},
-        {1, {1, 2, 3, 4}, -1, false, ""}, {2, {6182000.5, 413000, 10, 37}, 0, true, "413000.00"}, {2, {6182000.5, 413000, 10, 37}, 1, false, "6182000.50"},
-        {2, {0, 0, 0, -1}, 2, false, "-1"}, {2, {0, 0, 99.994, 37}, 3, false, "99.99"}, {2, {1, 2, 3, 4}, 4, false, ""},
-        {4, {-1234.5, 0, 0, 0}, 1, false, "-1234.50"}, {6, {1, 2, 3, 4}, 3, false, ""}, {7, {0, 0, 5250000, 0}, 2, true, "5250000.00"}};
-    for (auto& r : rows) {
-        CString t("previous");
-        Make(r.kind, r.v).GetCoord(t, r.field, r.dec);
-        EXPECT_EQ(r.text, Str(t));
-    }
-    CString t("untouched");  // no kind: the text is left alone
-    CGeoCoord().GetCoord(t, 0, true);
-    EXPECT_EQ("untouched", Str(t));
+  const double tie = 12 + 34 / 60.0 + 59.995 / 3600;  // a few ulps off the half
+  const struct { int kind; G v; int field; bool dec; const char* text; } rows[] = {
+    {1, {55.7558, 0, 0, 0}, 1, true, "055.7558000 N"}, {1, {-0.0, 0, 0, 0}, 1, true, "000.0000000 N"}, {1, {NAN, 0, 0, 0}, 1, true, "        nan S"},
+    {1, {0, -122.419, 0, 0}, 0, true, "122.4190000 W"}, {1, {0, 1000.5, 0, 0}, 0, true, "1000.5000000 E"},
+    {1, {-33.9, 0, 0, 0}, 1, false, "033\xB0 54' 00.00'' S"},
+    // Hundredths round half away from zero, also on an exact binary half (1/128 degree is 28.125'').
+    {1, {0, 10.0078125, 0, 0}, 0, false, "010\xB0 00' 28.13'' E"}, {1, {-10.0078125, 0, 0, 0}, 1, false, "010\xB0 00' 28.13'' S"},
+    {1, {0, tie, 0, 0}, 0, false, "012\xB0 35' 00.00'' E"}, {1, {0, 0, -12.5, 0}, 2, false, "-12.50"}, {1, {1, 2, 3, 4}, 3, true, ""},
+    {1, {1, 2, 3, 4}, -1, false, ""}, {2, {6182000.5, 413000, 10, 37}, 0, true, "413000.00"}, {2, {6182000.5, 413000, 10, 37}, 1, false, "6182000.50"},
+    {2, {0, 0, 0, -1}, 2, false, "-1"}, {2, {0, 0, 99.994, 37}, 3, false, "99.99"}, {2, {1, 2, 3, 4}, 4, false, ""},
+    {4, {-1234.5, 0, 0, 0}, 1, false, "-1234.50"}, {6, {1, 2, 3, 4}, 3, false, ""}, {7, {0, 0, 5250000, 0}, 2, true, "5250000.00"}};
+  for (auto& r : rows) {
+    CString t("previous");
+    Make(r.kind, r.v).GetCoord(t, r.field, r.dec);
+    EXPECT_EQ(r.text, Str(t));
+  }
+  CString t("untouched");  // no kind: the text is left alone
+  CGeoCoord().GetCoord(t, 0, true);
+  EXPECT_EQ("untouched", Str(t));
 }
 
 TEST_F(Coord, WholeLines) {
-    const struct { int kind; G v; unsigned long flags; const char *ell, *en, *ru; } rows[] = {
-        {2, {6182000, 413000, 0, 37}, 0, "WGS 84", "6182000.00, 413000.00 (UTM, UTM Zone  37 / WGS 84)", nullptr},
-        {3, {6200000.5, 7400000.25, 150, 0}, 1, "W", "Height 150.00mNorth/South 6200000.50mEast/West 7400000.25m (Gauss-Kruger / W)",
-         "Возвышение 150.00м Север/Юг  6200000.50м Запад/Восток 7400000.25м  (Гаусса-Крюгера / W)"},
-        {3, {1, 2, 150, 0}, 2, "W", "North/South 1.00mEast/West 2.00m (Gauss-Kruger / W)", nullptr},
-        {7, {2, 3, 5, 0}, 1, "W", "Z =5.00mY = 2.00mX =3.00m (Decart coordinate system / W)", nullptr},
-        {0, {1, 2, 150, 4}, 1, nullptr, "Height 150.00m ()", nullptr},
-        {6, {-1, -2, 0, 0}, 0, nullptr, "North/South -1.00mEast/West -2.00m (Polar Stereographic)", nullptr},
-        {1, {-33.9, -70.5, -4.25, 0}, 1, "W", "Height -4.25mLatitude 033\xB0 54' 00.00'' S Longitude 070\xB0 30' 00.00'' W (Geographic / W)",
-         "Возвышение -4.25м Широта 033° 54' 00.00'' S Долгота 070° 30' 00.00'' W (Географическая / W)"}};
-    for (auto& r : rows) {
-        CGeoCoord c;
-        if (r.kind) c = Make(r.kind, r.v);
-        else Rec(c) = r.v;  // a value but no kind
-        CString line("previous");
-        c.Coord_to_Str(&line, r.flags, r.ell);
-        EXPECT_EQ(r.en, Str(line));
-        if (!r.ru) continue;
-        SetThreadUILanguage(LANG_RUSSIAN);
-        c.Coord_to_Str(&line, r.flags, r.ell);
-        EXPECT_EQ(Utf8ToAnsi(r.ru), Str(line));
-        SetThreadUILanguage(LANG_ENGLISH_US);
-    }
-    Make(2, {1, 2, 3, 4}).Coord_to_Str(nullptr, 1, "WGS 84");  // a null output is ignored
-    // The destination line of a conversion, copied as strncpy does. GeographicLib: 37n 413224.138 6179766.954.
-    CGeoTransform t;
-    ASSERT_EQ(1, t.SetGeoParam(Geographic, UTM, 3, 3));
-    G p{55.7558, 37.6173, 150, 0};
-    t.SetGeoCoord(&p);
-    ASSERT_EQ(1, t.GeoConvert());
-    const std::string line = "Height 150.00m6179766.95, 413224.14 (UTM, UTM Zone  37 / WGS 84)";
-    const int n = int(line.size());
-    for (auto [len, text] : {std::pair{n + 3, line + std::string(3, '\0')}, {n, line}, {10, line.substr(0, 10)}, {0, ""}, {-5, ""}}) {
-        char b[128];
-        std::memset(b, '#', sizeof b);
-        t.GetCoordStr(b, len, 1);
-        EXPECT_EQ(text + std::string(sizeof b - text.size(), '#'), std::string(b, sizeof b)) << len;
-    }
-    t.GetCoordStr(nullptr, 64, 0);
-    t.FreeGeoParam();
-    char b[32];  // no destination: the slash all the same
-    CGeoTransform().GetCoordStr(b, sizeof b, 0);
-    EXPECT_STREQ(" ( / )", b);
+  const struct { int kind; G v; unsigned long flags; const char *ell, *en, *ru; } rows[] = {
+    {2, {6182000, 413000, 0, 37}, 0, "WGS 84", "6182000.00, 413000.00 (UTM, UTM Zone  37 / WGS 84)", nullptr},
+    {3, {6200000.5, 7400000.25, 150, 0}, 1, "W", "Height 150.00mNorth/South 6200000.50mEast/West 7400000.25m (Gauss-Kruger / W)",
+     "Возвышение 150.00м Север/Юг  6200000.50м Запад/Восток 7400000.25м  (Гаусса-Крюгера / W)"},
+    {3, {1, 2, 150, 0}, 2, "W", "North/South 1.00mEast/West 2.00m (Gauss-Kruger / W)", nullptr},
+    {7, {2, 3, 5, 0}, 1, "W", "Z =5.00mY = 2.00mX =3.00m (Decart coordinate system / W)", nullptr},
+    {0, {1, 2, 150, 4}, 1, nullptr, "Height 150.00m ()", nullptr},
+    {6, {-1, -2, 0, 0}, 0, nullptr, "North/South -1.00mEast/West -2.00m (Polar Stereographic)", nullptr},
+    {1, {-33.9, -70.5, -4.25, 0}, 1, "W", "Height -4.25mLatitude 033\xB0 54' 00.00'' S Longitude 070\xB0 30' 00.00'' W (Geographic / W)", nullptr}};
+  for (auto& r : rows) {
+    CGeoCoord c;
+    if (r.kind) c = Make(r.kind, r.v);
+    else Rec(c) = r.v;  // a value but no kind
+    CString line("previous");
+    c.Coord_to_Str(&line, r.flags, r.ell);
+    EXPECT_EQ(r.en, Str(line));
+    if (!r.ru) continue;
+    SetThreadUILanguage(LANG_RUSSIAN);
+    c.Coord_to_Str(&line, r.flags, r.ell);
+    EXPECT_EQ(Utf8ToAnsi(r.ru), Str(line));
+    SetThreadUILanguage(LANG_ENGLISH_US);
+  }
+  Make(2, {1, 2, 3, 4}).Coord_to_Str(nullptr, 1, "WGS 84");  // a null output is ignored
+  // The destination line of a conversion, copied as strncpy does. GeographicLib: 37n 413224.138 6179766.954.
+  CGeoTransform t;
+  ASSERT_EQ(1, t.SetGeoParam(Geographic, UTM, 3, 3));
+  G p{55.7558, 37.6173, 150, 0};
+  t.SetGeoCoord(&p);
+  ASSERT_EQ(1, t.GeoConvert());
+  const std::string line = "Height 150.00m6179766.95, 413224.14 (UTM, UTM Zone  37 / WGS 84)";
+  const int n = int(line.size());
+  for (auto [len, text] : {std::pair{n + 3, line + std::string(3, '\0')}, {n, line}, {10, line.substr(0, 10)}, {0, ""}, {-5, ""}}) {
+    char b[128];
+    std::memset(b, '#', sizeof b);
+    t.GetCoordStr(b, len, 1);
+    EXPECT_EQ(text + std::string(sizeof b - text.size(), '#'), std::string(b, sizeof b)) << len;
+  }
+  t.GetCoordStr(nullptr, 64, 0);
+  t.FreeGeoParam();
+  char b[32];  // no destination: the slash all the same
+  CGeoTransform().GetCoordStr(b, sizeof b, 0);
+  EXPECT_STREQ(" ( / )", b);
 }
 
 struct Mask { const char *mask, *literal, *valid; };
 constexpr Mask kNo{}, kPre{"#", "#", "#"}, kLon{"900__90__90_00___$", "___\xB0 __' __.__'' _", "WEwe"}, kLat{"900__90__90_00___$", "___\xB0 __' __.__'' _", "NSns"},
-    kDLon{"900_9000000_$", "___._________", "WEwe"}, kDLat{"900_9000000_$", "___._________", "NSns"}, kNum{"%%%%%%%%%%%%%%", "______________", ""};
+  kDLon{"900_9000000_$", "___._________", "WEwe"}, kDLat{"900_9000000_$", "___._________", "NSns"}, kNum{"%%%%%%%%%%%%%%", "______________", ""};
 
 TEST_F(Coord, FieldsLabelsAndMasks) {
-    for (auto [kind, n] : {std::pair{-1, 0}, {0, 0}, {1, 2}, {2, 3}, {3, 2}, {6, 2}, {7, 2}, {8, 0}, {INT_MIN, 0}}) EXPECT_EQ(Sys(kind).GetNumCoordField(), n) << kind;
-    const struct { int kind, field; Mask dms, dec; const char *en, *ru; } rows[] = {
-        {1, 0, kLon, kDLon, "Longitude ", "Долгота "}, {1, 1, kLat, kDLat, "Latitude ", nullptr}, {1, 2, kNum, kNum, "Height ", "Возвышение "},
-        {1, 3, kNo, kNo, "", ""}, {2, 0, kNum, kNum, "East/West ", nullptr}, {2, 1, kNum, kNum, "North/South ", "Север/Юг  "},
-        {2, 2, kNum, kNum, "UTM Zone ", "Номер зоны "}, {2, 3, kNum, kNum, "Height ", nullptr}, {2, 4, kNo, kNo, "", ""}, {3, 0, kNum, kNum, "East/West ", nullptr},
-        {3, 3, kNo, kNo, "", ""}, {4, 1, kNum, kNum, "North/South ", nullptr}, {5, 3, kNo, kNo, "", ""}, {6, 2, kNum, kNum, "Height ", nullptr},
-        {7, 0, kNum, kNum, "X =", "X ="}, {7, 1, kNum, kNum, "Y = ", nullptr}, {7, 2, kNum, kNum, "Z =", nullptr}, {7, 3, kNo, kNo, "", ""},
-        {1, -1, kNo, kNo, "", ""}, {2, INT_MIN, kNo, kNo, "", ""}, {2, INT_MAX, kNo, kNo, "", ""}, {-1, 0, kNo, kNo, "", ""},
-        {0, 0, kNo, kNo, "", ""}, {8, 2, kNo, kNo, "", ""}, {INT_MIN, 1, kNo, kNo, "", ""}};
-    for (auto& r : rows) {
-        SCOPED_TRACE("kind " + std::to_string(r.kind) + " field " + std::to_string(r.field));
-        CGeoReferenceData s = Sys(r.kind);
-        CString text("stale");
-        s.GetCoordFieldName(text, r.field);
-        EXPECT_EQ(r.en, Str(text));
-        if (r.ru) {
-            SetThreadUILanguage(LANG_RUSSIAN);
-            s.GetCoordFieldName(text, r.field);
-            EXPECT_EQ(Utf8ToAnsi(r.ru), Str(text));
-            SetThreadUILanguage(LANG_ENGLISH_US);
-        }
-        for (bool dec : {false, true}) {
-            CMaskEdit e;
-            e.SetMask(kPre.mask, kPre.literal, kPre.valid);
-            s.SetCoordFieldMask(&e, r.field, dec);
-            const Mask& m = (dec ? r.dec : r.dms).mask ? (dec ? r.dec : r.dms) : kPre;
-            EXPECT_TRUE(e.GetMask() == m.mask && e.GetLiteral() == m.literal && e.GetValid() == m.valid) << dec;
-        }
-        CListFrame list;  // a list cell: column 1 of the item, always the dms form
-        list.InsertColumn(0, "F"), list.InsertColumn(1, "V");
-        for (int row = 0; row < 3; ++row) {
-            list.InsertItem(row, "l");
-            for (int col = 0; col < 2; ++col) list.SetMask(row, col, kPre.mask, kPre.literal, kPre.valid);
-        }
-        s.SetCoordFieldMaskNum(2, &list, r.field);
-        for (int row = 0; row < 3; ++row)
-            for (int col = 0; col < 2; ++col) {
-                const Mask& m = row == 2 && col == 1 && r.dms.mask ? r.dms : kPre;
-                EXPECT_TRUE(list.GetMask(row, col) == m.mask && list.GetValid(row, col) == m.valid) << row << "," << col;
-            }
+  for (auto [kind, n] : {std::pair{-1, 0}, {0, 0}, {1, 2}, {2, 3}, {3, 2}, {6, 2}, {7, 2}, {8, 0}, {INT_MIN, 0}}) EXPECT_EQ(Sys(kind).GetNumCoordField(), n) << kind;
+  const struct { int kind, field; Mask dms, dec; const char *en, *ru; } rows[] = {
+    {1, 0, kLon, kDLon, "Longitude ", "Долгота "}, {1, 1, kLat, kDLat, "Latitude ", nullptr}, {1, 2, kNum, kNum, "Height ", nullptr},
+    {1, 3, kNo, kNo, "", nullptr}, {2, 0, kNum, kNum, "East/West ", nullptr}, {2, 1, kNum, kNum, "North/South ", "Север/Юг  "},
+    {2, 2, kNum, kNum, "UTM Zone ", nullptr}, {2, 3, kNum, kNum, "Height ", nullptr}, {2, 4, kNo, kNo, "", nullptr}, {3, 0, kNum, kNum, "East/West ", nullptr},
+    {3, 3, kNo, kNo, "", ""}, {4, 1, kNum, kNum, "North/South ", nullptr}, {5, 3, kNo, kNo, "", ""}, {6, 2, kNum, kNum, "Height ", nullptr},
+    {7, 0, kNum, kNum, "X =", nullptr}, {7, 1, kNum, kNum, "Y = ", nullptr}, {7, 2, kNum, kNum, "Z =", nullptr}, {7, 3, kNo, kNo, "", ""},
+    {1, -1, kNo, kNo, "", ""}, {2, INT_MIN, kNo, kNo, "", ""}, {2, INT_MAX, kNo, kNo, "", ""}, {-1, 0, kNo, kNo, "", ""},
+    {0, 0, kNo, kNo, "", ""}, {8, 2, kNo, kNo, "", ""}, {INT_MIN, 1, kNo, kNo, "", ""}};
+  for (auto& r : rows) {
+    SCOPED_TRACE("kind " + std::to_string(r.kind) + " field " + std::to_string(r.field));
+    CGeoReferenceData s = Sys(r.kind);
+    CString text("stale");
+    s.GetCoordFieldName(text, r.field);
+    EXPECT_EQ(r.en, Str(text));
+    if (r.ru) {
+      SetThreadUILanguage(LANG_RUSSIAN);
+      s.GetCoordFieldName(text, r.field);
+      EXPECT_EQ(Utf8ToAnsi(r.ru), Str(text));
+      SetThreadUILanguage(LANG_ENGLISH_US);
     }
-    CGeoReferenceData geo = Sys(1);
-    geo.SetCoordFieldMask(nullptr, 0, false), geo.SetCoordFieldMaskNum(0, nullptr, 1);
-    // What a user types under the masks reads back: d + m/60 + s/3600 rounds three times at most.
-    const struct { int kind, field; bool dec; const char *keys, *text; double v; } typed[] = {
-        {1, 1, false, "0393015.25S", "039\xB0 30' 15.25'' S", -(39 + 30 / 60.0 + 15.25 / 3600)}, {1, 0, false, "1795959.99E", "179\xB0 59' 59.99'' E", 179 + 59 / 60.0 + 59.99 / 3600},
-        {1, 0, true, "1234567890w", "123.4567890 w", -123.456789}, {1, 2, false, "-12.75", "-12.75________", -12.75}, {2, 3, false, "1e3", "1e3___________", 1000},
-        {7, 1, false, "-2694892.46", "-2694892.46___", -2694892.46}};
-    for (auto& r : typed) {
-        CMaskEdit e;
-        e.SetWindowText("000\xB0 00' 00.00'' N");  // replaced by the template
-        Sys(r.kind).SetCoordFieldMask(&e, r.field, r.dec);
-        for (const char* k = r.keys; *k; ++k) {
-            int start, end;
-            e.GetSel(start, end);
-            EXPECT_TRUE(e.TypeChar(end, *k)) << *k;
-        }
-        CString t;
-        e.GetWindowText(t);
-        EXPECT_EQ(r.text, Str(t));
-        CGeoCoord c = Make(r.kind, {});
-        c.SetCoord(t.GetString(), r.field, r.dec);
-        EXPECT_NEAR(r.field == 0 ? Rec(c).east : r.field == 1 ? Rec(c).north : Rec(c).height, r.v, 3 * std::ldexp(1.0, -45)) << r.text;
+    for (bool dec : {false, true}) {
+      CMaskEdit e;
+      e.SetMask(kPre.mask, kPre.literal, kPre.valid);
+      s.SetCoordFieldMask(&e, r.field, dec);
+      const Mask& m = (dec ? r.dec : r.dms).mask ? (dec ? r.dec : r.dms) : kPre;
+      EXPECT_TRUE(e.GetMask() == m.mask && e.GetLiteral() == m.literal && e.GetValid() == m.valid) << dec;
     }
+    CListFrame list;  // a list cell: column 1 of the item, always the dms form
+    list.InsertColumn(0, "F"), list.InsertColumn(1, "V");
+    for (int row = 0; row < 3; ++row) {
+      list.InsertItem(row, "l");
+      for (int col = 0; col < 2; ++col) list.SetMask(row, col, kPre.mask, kPre.literal, kPre.valid);
+    }
+    s.SetCoordFieldMaskNum(2, &list, r.field);
+    for (int row = 0; row < 3; ++row)
+      for (int col = 0; col < 2; ++col) {
+        const Mask& m = row == 2 && col == 1 && r.dms.mask ? r.dms : kPre;
+        EXPECT_TRUE(list.GetMask(row, col) == m.mask && list.GetValid(row, col) == m.valid) << row << "," << col;
+      }
+  }
+  CGeoReferenceData geo = Sys(1);
+  geo.SetCoordFieldMask(nullptr, 0, false), geo.SetCoordFieldMaskNum(0, nullptr, 1);
+  // What a user types under the masks reads back (d + m/60 + s/3600 rounds three times).
+  const struct { int kind, field; bool dec; const char *keys, *text; double v; } typed[] = {
+    {1, 1, false, "0393015.25S", "039\xB0 30' 15.25'' S", -(39 + 30 / 60.0 + 15.25 / 3600)}, {1, 0, true, "1234567890w", "123.4567890 w", -123.456789},
+    {2, 3, false, "1e3", "1e3___________", 1000}};
+  for (auto& r : typed) {
+    CMaskEdit e;
+    e.SetWindowText("000\xB0 00' 00.00'' N");  // replaced by the template
+    Sys(r.kind).SetCoordFieldMask(&e, r.field, r.dec);
+    for (const char* k = r.keys; *k; ++k) {
+      int start, end;
+      e.GetSel(start, end);
+      EXPECT_TRUE(e.TypeChar(end, *k)) << *k;
+    }
+    CString t;
+    e.GetWindowText(t);
+    EXPECT_EQ(r.text, Str(t));
+    CGeoCoord c = Make(r.kind, {});
+    c.SetCoord(t.GetString(), r.field, r.dec);
+    EXPECT_NEAR(r.field == 0 ? Rec(c).east : r.field == 1 ? Rec(c).north : Rec(c).height, r.v, 3 * std::ldexp(1.0, -45)) << r.text;
+  }
 }
 
 }  // namespace

@@ -28,214 +28,198 @@ constexpr double kDeg = kDegToRad;
 struct Fig { const char* ellps; double a, rf; };
 constexpr Fig kW{"WGS84", 6378137, 298.257223563}, kK{"krass", 6378245, 298.3}, kI{"intl", 6378388, 297}, kFigs[] = {kW, kK};
 std::string N(double v) {
-    char b[32];
-    std::snprintf(b, sizeof b, "%.17g", v);
-    return b;
+  char b[32];
+  std::snprintf(b, sizeof b, "%.17g", v);
+  return b;
 }
 // One PROJ operation; angles in radians.
 struct Proj {
-    PJ* p;
-    explicit Proj(const std::string& def) : p(proj_create(nullptr, def.c_str())) { EXPECT_TRUE(p) << def; }
-    ~Proj() { proj_destroy(p); }
-    PJ_COORD operator()(double a, double b, double c = 0, PJ_DIRECTION d = PJ_FWD) const { return proj_trans(p, d, proj_coord(a, b, c, 0)); }
+  PJ* p;
+  explicit Proj(const std::string& def) : p(proj_create(nullptr, def.c_str())) { EXPECT_TRUE(p) << def; }
+  ~Proj() { proj_destroy(p); }
+  PJ_COORD operator()(double a, double b, double c = 0, PJ_DIRECTION d = PJ_FWD) const { return proj_trans(p, d, proj_coord(a, b, c, 0)); }
 };
 double ground(double a, double lat, double dLat, double dLon, double dH = 0) {
-    return std::hypot(dLat * kDeg * a, std::remainder(dLon, 360.0) * kDeg * a * std::cos(lat * kDeg), dH);
+  return std::hypot(dLat * kDeg * a, std::remainder(dLon, 360.0) * kDeg * a * std::cos(lat * kDeg), dH);
 }
 
 // Worst forward error against the exact projection and worst round trip, metres.
 std::pair<double, double> TmErrors(const Fig& f, bool utm, double lat0, double cm, double k0, int fe, int fn, const std::vector<double>& dls, double step) {
-    ProjState* s = utm ? utm_create(f.a, f.rf) : tm_create(f.a, f.rf, lat0, cm, k0);
-    const GeographicLib::TransverseMercatorExact exact(f.a, 1 / f.rf, k0);
-    double x, y, y0, wf = 0, wr = 0;
-    exact.Forward(0, lat0, 0, x, y0);
-    for (double lat = -89.95; lat <= 89.95 + 1e-9; lat += step) {
-        for (double dl : dls) {
-            double e, n, la, lo;
-            long zone = 31;
-            if (utm) {  // a southern northing goes back negated
-                utm_geo_to_pr(s, lat, cm + dl, &zone, &e, &n);
-                utm_pr_to_geo(s, 31, e, lat < 0 ? -n : n, &la, &lo);
-                if (lat < 0) n -= 1e7;
-            } else {
-                tm_geo_to_pr(s, lat, cm + dl, &e, &n, fe, fn);
-                tm_pr_to_geo(s, e, n, &la, &lo, fe, fn);
-            }
-            exact.Forward(cm, lat, cm + dl, x, y);
-            wf = std::max(wf, std::hypot(e - x - fe, n - (y - y0 + fn)));
-            wr = std::max(wr, ground(f.a, lat, la - lat, lo - cm - dl));
-        }
+  ProjState* s = utm ? utm_create(f.a, f.rf) : tm_create(f.a, f.rf, lat0, cm, k0);
+  const GeographicLib::TransverseMercatorExact exact(f.a, 1 / f.rf, k0);
+  double x, y, y0, wf = 0, wr = 0;
+  exact.Forward(0, lat0, 0, x, y0);
+  for (double lat = -89.95; lat <= 89.95 + 1e-9; lat += step) {
+    for (double dl : dls) {
+      double e, n, la, lo;
+      long zone = 31;
+      if (utm) {  // a southern northing goes back negated
+        utm_geo_to_pr(s, lat, cm + dl, &zone, &e, &n);
+        utm_pr_to_geo(s, 31, e, lat < 0 ? -n : n, &la, &lo);
+        if (lat < 0) n -= 1e7;
+      } else {
+        tm_geo_to_pr(s, lat, cm + dl, &e, &n, fe, fn);
+        tm_pr_to_geo(s, e, n, &la, &lo, fe, fn);
+      }
+      exact.Forward(cm, lat, cm + dl, x, y);
+      wf = std::max(wf, std::hypot(e - x - fe, n - (y - y0 + fn)));
+      wr = std::max(wr, ground(f.a, lat, la - lat, lo - cm - dl));
     }
-    projection_state_free(s);
-    return {wf, wr};
+  }
+  projection_state_free(s);
+  return {wf, wr};
 }
 
 TEST(Oracle, TransverseMercator) {
-    // Within 4 degrees: the arc's e^8 truncation (0.96 mm) and the footpoint's;
-    // an origin latitude adds k0 m(lat0)'s own: 2 mm forward.
-    std::vector<double> near, far;
-    for (double dl = -4; dl <= 4 + 1e-9; dl += 0.2) near.push_back(dl);
-    for (const Fig& f : kFigs) {
-        for (auto [utm, lat0, cm, k0, fe, fn] : {std::tuple{true, 0.0, 3.0, 0.9996, 500000, 0}, {false, 0.0, 39.0, 1.0, 500000, 0},
-                 {false, 0.0, -2.0, 0.9996012717, 400000, -100000}, {false, 49.0, -2.0, 0.9996012717, 400000, -100000}}) {
-            auto [wf, wr] = TmErrors(f, utm, lat0, cm, k0, fe, fn, near, 0.2);
-            EXPECT_LT(wf, lat0 ? 2e-3 : 1e-3) << f.ellps << " " << cm << " " << lat0;
-            EXPECT_LT(wr, 1e-3) << f.ellps << " " << cm << " " << lat0;
-        }
-        // Beyond: truncated at the eighth power of the longitude difference,
-        // the error grows as its ninth; guards 10 % above the measured figures.
-        for (auto [dl, bf, br] : {std::tuple{6.0, 1e-3, 1e-3}, {10.0, 0.020, 0.042}, {20.0, 4.3, 26.6}, {30.0, 127.0, 1486.0}}) {
-            auto [wf, wr] = TmErrors(f, true, 0, 3, 0.9996, 500000, 0, {-dl, dl}, 0.05);
-            EXPECT_TRUE(wf < bf && wr < br) << f.ellps << " " << dl << ": " << wf << " " << wr;
-        }
+  // Within 4 degrees: the arc's e^8 truncation (0.96 mm) and the footpoint's;
+  // an origin latitude adds k0 m(lat0)'s own: 2 mm forward.
+  std::vector<double> near, far;
+  for (double dl = -4; dl <= 4 + 1e-9; dl += 0.2) near.push_back(dl);
+  for (const Fig& f : kFigs) {
+    for (auto [utm, lat0, cm, k0, fe, fn] : {std::tuple{true, 0.0, 3.0, 0.9996, 500000, 0}, {false, 0.0, 39.0, 1.0, 500000, 0},
+         {false, 0.0, -2.0, 0.9996012717, 400000, -100000}, {false, 49.0, -2.0, 0.9996012717, 400000, -100000}}) {
+      auto [wf, wr] = TmErrors(f, utm, lat0, cm, k0, fe, fn, near, 0.2);
+      EXPECT_LT(wf, lat0 ? 2e-3 : 1e-3) << f.ellps << " " << cm << " " << lat0;
+      EXPECT_LT(wr, 1e-3) << f.ellps << " " << cm << " " << lat0;
     }
+    // Beyond: truncated at the eighth power of the longitude difference,
+    // the error grows as its ninth; guards 10 % above the measured figures.
+    for (auto [dl, bf, br] : {std::tuple{6.0, 1e-3, 1e-3}, {10.0, 0.020, 0.042}, {20.0, 4.3, 26.6}, {30.0, 127.0, 1486.0}}) {
+      auto [wf, wr] = TmErrors(f, true, 0, 3, 0.9996, 500000, 0, {-dl, dl}, 0.05);
+      EXPECT_TRUE(wf < bf && wr < br) << f.ellps << " " << dl << ": " << wf << " " << wr;
+    }
+  }
 }
 
 TEST(Oracle, MercatorAndPolarStereographic) {
-    // Mercator forward: rounding (1 um); inverse: our conformal series to e^8
-    // leaves 1.5e-12 rad (10 um); PROJ iterates. Polar: the same closed
-    // formula to 0.1 um, the inverse to 1 um; southern northings carry the
-    // hemisphere mark; on the band's edge the inverse may land inside it.
-    for (const Fig& f : kFigs) {
-        for (auto [cm, ts, fe, fn] : {std::tuple{0, 0, 0, 0}, {20, 30, 1000, 2000}, {-150, -60, 500000, -10000}}) {
-            ProjState* s = merc_create(f.a, f.rf, cm, ts);
-            const Proj pj("+proj=merc +ellps=" + std::string(f.ellps) + " +lon_0=" + N(cm) + " +lat_ts=" + N(ts) + " +x_0=" + N(fe) + " +y_0=" + N(fn));
-            for (double lat = -89; lat <= 89 + 1e-9; lat += 0.1) {
-                for (double lon = -180; lon < 180; lon += 5) {
-                    double e, n, la, lo;
-                    const PJ_COORD o = pj(lon * kDeg, lat * kDeg), g = pj(o.xy.x, o.xy.y, 0, PJ_INV);
-                    ASSERT_EQ(merc_geo_to_pr(s, lat, lon, &e, &n, fe, fn), 0);
-                    merc_pr_to_geo(s, o.xy.x, o.xy.y, &la, &lo, fe, fn);
-                    ASSERT_TRUE(std::hypot(e - o.xy.x, n - o.xy.y) < 1e-6 && ground(f.a, lat, la - g.lp.phi / kDeg, lo - g.lp.lam / kDeg) < 20e-6) << ts << " " << lat << "," << lon;
-                }
-            }
-            merc_free(s);
+  // Mercator forward: rounding (1 um); inverse: our conformal series to e^8
+  // leaves 1.5e-12 rad (10 um); PROJ iterates. Polar: the same closed
+  // formula to 0.1 um, the inverse to 1 um; southern northings carry the
+  // hemisphere mark; on the band's edge the inverse may land inside it.
+  for (const Fig& f : kFigs) {
+    for (auto [cm, ts, fe, fn] : {std::tuple{0, 0, 0, 0}, {20, 30, 1000, 2000}, {-150, -60, 500000, -10000}}) {
+      ProjState* s = merc_create(f.a, f.rf, cm, ts);
+      const Proj pj("+proj=merc +ellps=" + std::string(f.ellps) + " +lon_0=" + N(cm) + " +lat_ts=" + N(ts) + " +x_0=" + N(fe) + " +y_0=" + N(fn));
+      for (double lat = -89; lat <= 89 + 1e-9; lat += 0.1) {
+        for (double lon = -180; lon < 180; lon += 5) {
+          double e, n, la, lo;
+          const PJ_COORD o = pj(lon * kDeg, lat * kDeg), g = pj(o.xy.x, o.xy.y, 0, PJ_INV);
+          ASSERT_EQ(merc_geo_to_pr(s, lat, lon, &e, &n, fe, fn), 0);
+          merc_pr_to_geo(s, o.xy.x, o.xy.y, &la, &lo, fe, fn);
+          ASSERT_TRUE(std::hypot(e - o.xy.x, n - o.xy.y) < 1e-6 && ground(f.a, lat, la - g.lp.phi / kDeg, lo - g.lp.lam / kDeg) < 20e-6) << ts << " " << lat << "," << lon;
         }
-        for (auto [ts, cm] : {std::pair{81.1145, 0.0}, {90.0, -45.0}, {-81.1145, 0.0}, {-90.0, 100.0}}) {
-            const double sg = ts < 0 ? -1 : 1, edge = ts < 0 ? 79.5 : 83.5;
-            ProjState* s = ps_create(f.a, f.rf, ts, cm, ts);
-            const Proj pj("+proj=stere +ellps=" + std::string(f.ellps) + " +lat_0=" + N(sg * 90) + " +lat_ts=" + N(ts) + " +lon_0=" + N(cm) + " +x_0=2000000 +y_0=2000000");
-            for (double lat = ts < 0 ? -90 : 83.5; lat <= (ts < 0 ? -79.5 : 90) + 1e-9; lat += 0.05) {
-                for (double lon = -180; lon < 180; lon += 2.5) {
-                    double e, n, la, lo;
-                    const PJ_COORD o = pj(lon * kDeg, lat * kDeg), g = pj(o.xy.x, o.xy.y, 0, PJ_INV);
-                    ASSERT_EQ(ps_geo_to_pr(s, lat, lon, &e, &n, 2000000, 2000000), 0) << lat;
-                    const int st = ps_pr_to_geo(s, o.xy.x, sg * o.xy.y, &la, &lo, 2000000, 2000000);
-                    ASSERT_TRUE(st == 0 || (st == 2 && std::fabs(std::fabs(lat) - edge) < 1e-9)) << lat;
-                    ASSERT_TRUE(std::hypot(e - o.xy.x, sg * n - o.xy.y) < 1e-7 && ground(f.a, lat, la - g.lp.phi / kDeg, lo - g.lp.lam / kDeg) < 1e-6) << ts << " " << lat << "," << lon;
-                }
-            }
-            projection_state_free(s);
-        }
+      }
+      merc_free(s);
     }
+    for (auto [ts, cm] : {std::pair{81.1145, 0.0}, {90.0, -45.0}, {-81.1145, 0.0}, {-90.0, 100.0}}) {
+      const double sg = ts < 0 ? -1 : 1, edge = ts < 0 ? 79.5 : 83.5;
+      ProjState* s = ps_create(f.a, f.rf, ts, cm, ts);
+      const Proj pj("+proj=stere +ellps=" + std::string(f.ellps) + " +lat_0=" + N(sg * 90) + " +lat_ts=" + N(ts) + " +lon_0=" + N(cm) + " +x_0=2000000 +y_0=2000000");
+      for (double lat = ts < 0 ? -90 : 83.5; lat <= (ts < 0 ? -79.5 : 90) + 1e-9; lat += 0.05) {
+        for (double lon = -180; lon < 180; lon += 2.5) {
+          double e, n, la, lo;
+          const PJ_COORD o = pj(lon * kDeg, lat * kDeg), g = pj(o.xy.x, o.xy.y, 0, PJ_INV);
+          ASSERT_EQ(ps_geo_to_pr(s, lat, lon, &e, &n, 2000000, 2000000), 0) << lat;
+          const int st = ps_pr_to_geo(s, o.xy.x, sg * o.xy.y, &la, &lo, 2000000, 2000000);
+          ASSERT_TRUE(st == 0 || (st == 2 && std::fabs(std::fabs(lat) - edge) < 1e-9)) << lat;
+          ASSERT_TRUE(std::hypot(e - o.xy.x, sg * n - o.xy.y) < 1e-7 && ground(f.a, lat, la - g.lp.phi / kDeg, lo - g.lp.lam / kDeg) < 1e-6) << ts << " " << lat << "," << lon;
+        }
+      }
+      projection_state_free(s);
+    }
+  }
 }
 
 TEST(Oracle, Cartesian) {
-    // Forward to 0.1 um. The inverse is the surface formula: a point h above
-    // it comes back too far from the equator by h e^2 sin cos / (N (1 - e^2)),
-    // at most at 45 degrees: within 1 % of that, the surface itself to 10 nm.
-    for (const Fig& f : kFigs) {
-        ProjState* s = decart_create(f.a, f.rf);
-        const GeographicLib::Geocentric exact(f.a, 1 / f.rf);
-        const double e2 = (2 - 1 / f.rf) / f.rf;
-        for (double h : {-1000.0, 0.0, 1000.0, 10000.0}) {
-            double worst = 0;
-            for (double lat = -90; lat <= 90; lat += 0.5) {
-                for (double lon = -180; lon < 180; lon += 15) {
-                    double X, Y, Z, Xo, Yo, Zo, la, lo, hh;
-                    decart_geo_to_pr(s, lat, lon, h, &X, &Y, &Z);
-                    exact.Forward(lat, lon, h, Xo, Yo, Zo);
-                    decart_pr_to_geo(s, Xo, Yo, Zo, &la, &lo, &hh);
-                    ASSERT_TRUE(std::hypot(X - Xo, Y - Yo, Z - Zo) < 1e-7 && hh == 0) << lat << "," << lon;
-                    if (std::fabs(lat) <= 89) worst = std::max(worst, std::fabs(la - lat) * kDeg * f.a);
-                }
-            }
-            const double first = 0.5 * std::fabs(h) * e2 / (1 - e2);
-            EXPECT_NEAR(worst, first, h ? 0.01 * first : 1e-8) << f.ellps << " " << h;
+  // Forward to 0.1 um. The inverse is the surface formula: a point h above
+  // it comes back too far from the equator by h e^2 sin cos / (N (1 - e^2)),
+  // at most at 45 degrees: within 1 % of that, the surface itself to 10 nm.
+  for (const Fig& f : kFigs) {
+    ProjState* s = decart_create(f.a, f.rf);
+    const GeographicLib::Geocentric exact(f.a, 1 / f.rf);
+    const double e2 = (2 - 1 / f.rf) / f.rf;
+    for (double h : {-1000.0, 0.0, 1000.0, 10000.0}) {
+      double worst = 0;
+      for (double lat = -90; lat <= 90; lat += 0.5) {
+        for (double lon = -180; lon < 180; lon += 15) {
+          double X, Y, Z, Xo, Yo, Zo, la, lo, hh;
+          decart_geo_to_pr(s, lat, lon, h, &X, &Y, &Z);
+          exact.Forward(lat, lon, h, Xo, Yo, Zo);
+          decart_pr_to_geo(s, Xo, Yo, Zo, &la, &lo, &hh);
+          ASSERT_TRUE(std::hypot(X - Xo, Y - Yo, Z - Zo) < 1e-7 && hh == 0) << lat << "," << lon;
+          if (std::fabs(lat) <= 89) worst = std::max(worst, std::fabs(la - lat) * kDeg * f.a);
         }
-        projection_state_free(s);
+      }
+      const double first = 0.5 * std::fabs(h) * e2 / (1 - e2);
+      EXPECT_NEAR(worst, first, h ? 0.01 * first : 1e-8) << f.ellps << " " << h;
     }
+    projection_state_free(s);
+  }
 }
 
 // PROJ's standard Molodensky (its dx the from-datum's less the to-datum's)
 // and, above 89 degrees, a geocentric translation.
 std::string Molodensky(const Fig& f, const Fig& t, int dx, int dy, int dz) {
-    return "+proj=molodensky +a=" + N(f.a) + " +rf=" + N(f.rf) + " +dx=" + N(dx) + " +dy=" + N(dy) + " +dz=" + N(dz) + " +da=" + N(t.a - f.a) + " +df=" + N(1 / t.rf - 1 / f.rf);
+  return "+proj=molodensky +a=" + N(f.a) + " +rf=" + N(f.rf) + " +dx=" + N(dx) + " +dy=" + N(dy) + " +dz=" + N(dz) + " +da=" + N(t.a - f.a) + " +df=" + N(1 / t.rf - 1 / f.rf);
 }
 
 TEST(Oracle, DatumShift) {
-    // Rounding only on both sides, same parameters: 0.1 um.
-    static const short z[3] = {0, 0, 0}, pul[3] = {28, -130, -95}, ed[3] = {-87, -98, -121};
-    const struct { Fig f, t; const short *sf, *st; } legs[] = {{kK, kW, pul, z}, {kW, kK, z, pul}, {kI, kW, ed, z}, {kW, kI, z, ed}};
-    std::vector<double> lats;
-    for (double lat = -88; lat <= 88 + 1e-9; lat += 0.5) lats.push_back(lat);
-    for (double a = 89.01; a <= 90 + 1e-9; a += 0.07) lats.insert(lats.end(), {std::min(a, 90 - 1e-6), -std::min(a, 90 - 1e-6)});
-    for (auto& l : legs) {
-        DatumShiftState* s = datum_shift_create(l.f.a, l.f.rf, l.sf, l.t.a, l.t.rf, l.st);
-        const int dx = l.sf[0] - l.st[0], dy = l.sf[1] - l.st[1], dz = l.sf[2] - l.st[2];
-        const Proj mol(Molodensky(l.f, l.t, dx, dy, dz)), tr("+proj=pipeline +step +proj=cart +a=" + N(l.f.a) + " +rf=" + N(l.f.rf) + " +step +proj=helmert +x=" + N(dx) +
-                                                            " +y=" + N(dy) + " +z=" + N(dz) + " +step +inv +proj=cart +a=" + N(l.t.a) + " +rf=" + N(l.t.rf));
-        for (double h : {-4000.0, 0.0, 2000.0}) {
-            for (double lat : lats) {
-                for (double lon = -180; lon < 180; lon += 10) {
-                    double la, lo, hh;
-                    ASSERT_EQ(datum_shift_apply(lat, lon, h, &la, &lo, &hh, s), 0);
-                    const PJ_COORD o = (std::fabs(lat) > 89 ? tr : mol)(lon * kDeg, lat * kDeg, h);
-                    ASSERT_LT(ground(l.t.a, o.lpz.phi / kDeg, la - o.lpz.phi / kDeg, lo - o.lpz.lam / kDeg, hh - o.lpz.z), 1e-7) << l.f.ellps << " " << lat << "," << lon << "," << h;
-                }
-            }
+  // Rounding only on both sides, same parameters: 0.1 um.
+  static const short z[3] = {0, 0, 0}, pul[3] = {28, -130, -95}, ed[3] = {-87, -98, -121};
+  const struct { Fig f, t; const short *sf, *st; } legs[] = {{kK, kW, pul, z}, {kW, kK, z, pul}, {kI, kW, ed, z}, {kW, kI, z, ed}};
+  std::vector<double> lats;
+  for (double lat = -88; lat <= 88 + 1e-9; lat += 0.5) lats.push_back(lat);
+  for (double a = 89.01; a <= 90 + 1e-9; a += 0.07) lats.insert(lats.end(), {std::min(a, 90 - 1e-6), -std::min(a, 90 - 1e-6)});
+  for (auto& l : legs) {
+    DatumShiftState* s = datum_shift_create(l.f.a, l.f.rf, l.sf, l.t.a, l.t.rf, l.st);
+    const int dx = l.sf[0] - l.st[0], dy = l.sf[1] - l.st[1], dz = l.sf[2] - l.st[2];
+    const Proj mol(Molodensky(l.f, l.t, dx, dy, dz)), tr("+proj=pipeline +step +proj=cart +a=" + N(l.f.a) + " +rf=" + N(l.f.rf) + " +step +proj=helmert +x=" + N(dx) +
+                              " +y=" + N(dy) + " +z=" + N(dz) + " +step +inv +proj=cart +a=" + N(l.t.a) + " +rf=" + N(l.t.rf));
+    for (double h : {-4000.0, 0.0, 2000.0}) {
+      for (double lat : lats) {
+        for (double lon = -180; lon < 180; lon += 10) {
+          double la, lo, hh;
+          ASSERT_EQ(datum_shift_apply(lat, lon, h, &la, &lo, &hh, s), 0);
+          const PJ_COORD o = (std::fabs(lat) > 89 ? tr : mol)(lon * kDeg, lat * kDeg, h);
+          ASSERT_LT(ground(l.t.a, o.lpz.phi / kDeg, la - o.lpz.phi / kDeg, lo - o.lpz.lam / kDeg, hh - o.lpz.z), 1e-7) << l.f.ellps << " " << lat << "," << lon << "," << h;
         }
-        datum_shift_free(s);
+      }
     }
+    datum_shift_free(s);
+  }
 }
 
 std::string Key(const char* file, int section, const char* key) {
-    char b[256];
-    GetPrivateProfileStringA(("Format " + std::to_string(section)).c_str(), key, "", b, sizeof b, (mwtest::ShippedCatalogDir() + "/" + file).c_str());
-    return b;
+  char b[256];
+  GetPrivateProfileStringA(("Format " + std::to_string(section)).c_str(), key, "", b, sizeof b, (mwtest::ShippedCatalogDir() + "/" + file).c_str());
+  return b;
 }
 
 TEST(Oracle, ShippedCatalogsAgainstEpsg) {
-    // Ellipsoid i + 1 is EPSG kEll[i]: axes to the millimetre, flattening to
-    // 1e-9 (two Clarke figures are defined by their minor axis).
-    const int kEll[] = {7001, 7002, 7003, 7004, 7030, 7008, 7012, 7013, 7011, 7015, 7018, 7016, 7019, 7050, 7020, 7053, 7021, 7022, 7024, 7043, 7025};
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open_v2(proj_context_get_database_path(nullptr), &db, SQLITE_OPEN_READONLY, nullptr));
-    auto row = [db](const char* sql, int code) {
-        sqlite3_stmt* st = nullptr;
-        std::vector<double> r;
-        EXPECT_EQ(SQLITE_OK, sqlite3_prepare_v2(db, sql, -1, &st, nullptr));
-        sqlite3_bind_int(st, 1, code);
-        if (sqlite3_step(st) == SQLITE_ROW)
-            for (int c = 0; c < sqlite3_column_count(st); ++c) r.push_back(sqlite3_column_type(st, c) == SQLITE_NULL ? NAN : sqlite3_column_double(st, c));
-        sqlite3_finalize(st);
-        return r;
-    };
-    for (int i = 0; i < 21; ++i) {
-        const auto e = row("SELECT e.semi_major_axis * u.conv_factor, e.inv_flattening, e.semi_minor_axis * u.conv_factor FROM ellipsoid e JOIN unit_of_measure u"
-                           " ON u.auth_name = e.uom_auth_name AND u.code = e.uom_code WHERE e.auth_name = 'EPSG' AND e.code = ?", kEll[i]);
-        ASSERT_EQ(e.size(), 3u) << kEll[i];
-        const double rf = std::isnan(e[1]) ? e[0] / (e[0] - e[2]) : e[1];
-        EXPECT_NEAR(std::atof(Key("ellips.ini", i, "ellipsParam_0").c_str()), e[0], 1e-3) << kEll[i];
-        EXPECT_NEAR(std::atof(Key("ellips.ini", i, "ellipsParam_1").c_str()), rf, 1e-9 * rf) << kEll[i];
-        EXPECT_EQ(Key("ellips.ini", i, "Index"), std::to_string(i + 1));
-    }
-    // A sample of datums across the catalog with the report's three-parameter
-    // shift to WGS 84 (EPSG 4326, metres); negative: the EPSG datum, no shift.
-    for (auto [index, code] : {std::pair{1, -6322}, {2, -6760}, {3, -6326}, {4, 1254}, {5, 1133}, {10, 1108}, {20, 1228}, {30, 1176},
-             {40, 1124}, {47, 8452}, {59, 15824}, {68, 1893}}) {
-        const auto t = code > 0 ? row("SELECT h.tx, h.ty, h.tz, h.translation_uom_code, h.target_crs_code, d.ellipsoid_code FROM helmert_transformation h"
-                                      " JOIN geodetic_crs g ON g.auth_name = h.source_crs_auth_name AND g.code = h.source_crs_code JOIN geodetic_datum d"
-                                      " ON d.auth_name = g.datum_auth_name AND d.code = g.datum_code WHERE h.auth_name = 'EPSG' AND h.code = ?", code)
-                                : row("SELECT 0, 0, 0, 9001, 4326, ellipsoid_code FROM geodetic_datum WHERE auth_name = 'EPSG' AND code = ?", -code);
-        ASSERT_EQ(t.size(), 6u) << code;
-        const int s = index - 1;
-        EXPECT_EQ(Key("datum.ini", s, "DatumIndex"), std::to_string(index));
-        for (int k = 0; k < 3; ++k) EXPECT_EQ(std::atof(Key("datum.ini", s, ("datumParam_0_" + std::to_string(k)).c_str()).c_str()), t[k]) << index;
-        EXPECT_TRUE(t[3] == 9001 && t[4] == 4326) << code;
-        EXPECT_EQ(kEll[std::atoi(Key("datum.ini", s, "EllipsoidIndex").c_str()) - 1], t[5]) << index;
-    }
-    sqlite3_close(db);
+  // A sample across the catalog: the report's three-parameter shift to
+  // WGS 84 (EPSG 4326, metres; a negative code: the EPSG datum, no shift)
+  // and its ellipsoid, axis to the millimetre, flattening to 1e-9.
+  sqlite3* db = nullptr;
+  ASSERT_EQ(SQLITE_OK, sqlite3_open_v2(proj_context_get_database_path(nullptr), &db, SQLITE_OPEN_READONLY, nullptr));
+  const std::string ell = " JOIN ellipsoid e ON e.auth_name = d.ellipsoid_auth_name AND e.code = d.ellipsoid_code JOIN unit_of_measure u ON u.auth_name = e.uom_auth_name"
+              " AND u.code = e.uom_code WHERE ", fig = ", e.semi_major_axis * u.conv_factor, coalesce(e.inv_flattening, e.semi_major_axis / (e.semi_major_axis - e.semi_minor_axis))";
+  for (auto [index, code] : {std::pair{1, -6322}, {2, -6760}, {3, -6326}, {4, 1254}, {5, 1133}, {10, 1108}, {20, 1228}, {30, 1176}, {40, 1124}, {47, 8452}, {59, 15824}, {68, 1893}}) {
+    const std::string sql = code < 0 ? "SELECT 0, 0, 0, 9001, 4326" + fig + " FROM geodetic_datum d" + ell + "d.auth_name = 'EPSG' AND d.code = ?"
+      : "SELECT h.tx, h.ty, h.tz, h.translation_uom_code, h.target_crs_code" + fig + " FROM helmert_transformation h JOIN geodetic_crs g ON g.auth_name = h.source_crs_auth_name"
+        " AND g.code = h.source_crs_code JOIN geodetic_datum d ON d.auth_name = g.datum_auth_name AND d.code = g.datum_code" + ell + "h.auth_name = 'EPSG' AND h.code = ?";
+    sqlite3_stmt* st = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_prepare_v2(db, sql.c_str(), -1, &st, nullptr));
+    sqlite3_bind_int(st, 1, std::abs(code));
+    ASSERT_EQ(SQLITE_ROW, sqlite3_step(st)) << code;
+    const int s = index - 1, e = std::atoi(Key("datum.ini", s, "EllipsoidIndex").c_str()) - 1;
+    EXPECT_EQ(Key("datum.ini", s, "DatumIndex"), std::to_string(index));
+    for (int k = 0; k < 3; ++k) EXPECT_EQ(std::atof(Key("datum.ini", s, ("datumParam_0_" + std::to_string(k)).c_str()).c_str()), sqlite3_column_double(st, k)) << index;
+    EXPECT_TRUE(sqlite3_column_int(st, 3) == 9001 && sqlite3_column_int(st, 4) == 4326 && Key("ellips.ini", e, "Index") == std::to_string(e + 1)) << code;
+    EXPECT_NEAR(std::atof(Key("ellips.ini", e, "ellipsParam_0").c_str()), sqlite3_column_double(st, 5), 1e-3) << index;
+    EXPECT_NEAR(std::atof(Key("ellips.ini", e, "ellipsParam_1").c_str()), sqlite3_column_double(st, 6), 3e-7) << index;
+    sqlite3_finalize(st);
+  }
+  sqlite3_close(db);
 }
 
 }  // namespace

@@ -30,248 +30,248 @@ double rad(double d) { return d * kDegToRad; }
 bool nr(double a, double b, double t) { return std::fabs(a - b) <= t; }
 bool put(double x, double y) { return std::isfinite(x) && x != kU && std::isfinite(y) && y != kU; }
 double ground(double lat, double dLat, double dLon, double dH) {
-    return std::hypot(rad(dLat) * kA, rad(std::remainder(dLon, 360.0)) * kA * std::cos(rad(lat)), dH);
+  return std::hypot(rad(dLat) * kA, rad(std::remainder(dLon, 360.0)) * kA * std::cos(rad(lat)), dH);
 }
 // Geodetic to geocentric, the closed formula in long double.
 void geocentric(double a, double e2, double lat, double lon, double h, double* X, double* Y, double* Z) {
-    const long double p = rad(lat), l = rad(lon), N = a / std::sqrt(1 - e2 * std::sin(p) * std::sin(p));
-    *X = double((N + h) * std::cos(p) * std::cos(l)), *Y = double((N + h) * std::cos(p) * std::sin(l));
-    *Z = double(((1 - e2) * N + h) * std::sin(p));
+  const long double p = rad(lat), l = rad(lon), N = a / std::sqrt(1 - e2 * std::sin(p) * std::sin(p));
+  *X = double((N + h) * std::cos(p) * std::cos(l)), *Y = double((N + h) * std::cos(p) * std::sin(l));
+  *Z = double(((1 - e2) * N + h) * std::sin(p));
 }
 
 TEST(Core, HelpersStateAndArea) {
-    for (auto [x, y] : {std::pair{179.9, 179.9}, {180, -180}, {-180, -180}, {-180.5, 179.5}, {190, -170}, {540, 180}})
-        EXPECT_EQ(normalize_lon_deg(x), y) << x;
-    // The second parameter is rf, b or e^2 by its size; <= 0 a sphere.
-    for (auto [in, e2] : {std::pair{kRf, kE2}, {kA * (1 - 1 / kRf), kE2}, {kE2, kE2}, {1.0, 1.0}, {0.0, 0.0}, {-5.0, 0.0}}) {
-        ProjState s{};
-        ASSERT_EQ(projection_state_init(&s, kA, in, 45, 190), 0);
-        EXPECT_TRUE(nr(s.e2, e2, 1e-15) && nr(s.e, std::sqrt(e2), 1e-13) && s.a == kA && nr(s.lon0, rad(-170), 1e-15)) << in;
-        EXPECT_TRUE(nr(s.sinLat0, std::sqrt(.5), 3e-16) && nr(s.cosLat0, std::sqrt(.5), 3e-16));
-        EXPECT_TRUE(s.latMin == -90 && s.lonMin == -180 && s.latMax == 90 && s.lonMax == 180);
-    }
-    EXPECT_EQ(projection_state_init(nullptr, kA, kRf, 0, 0), -1);
-    P c0(tm_create(kA, kRf, 0, 0, 1)), c170(tm_create(kA, kRf, 0, 170, 1));
-    ProjState g{};
-    projection_state_init(&g, kA, kRf, 0, 0);
-    const double rows[][4] = {{0, 89.95, 30, 0}, {0, 89.97, 0, 17}, {0, 90.5, 0, -17}, {0, -91, 0, -17}, {0, -89.97, 0, 17},
-        {0, 0, 31.5, 17}, {0, 0, -32, 17}, {0, 0, 33, -17}, {0, 0, -33, -17}, {0, NAN, 0, -17}, {0, 0, 541, -17},
-        {1, 0, -175, 0}, {1, 0, 180, 0}, {1, 0, -180, 0}, {1, 0, -159, 17}, {1, 0, -157, -17}, {1, 0, 139, 17},
-        {1, 0, 137, -17}, {1, 0, 0, -17}, {2, 0, 180, 0}, {2, 0, 181, 17}};
-    for (auto& r : rows) EXPECT_EQ(check_area(r[0] == 2 ? &g : (r[0] ? c170 : c0).get(), r[1], r[2]), r[3]) << r[0] << ": " << r[1] << "," << r[2];
+  for (auto [x, y] : {std::pair{179.9, 179.9}, {180, -180}, {-180, -180}, {-180.5, 179.5}, {190, -170}, {540, 180}})
+    EXPECT_EQ(normalize_lon_deg(x), y) << x;
+  // The second parameter is rf, b or e^2 by its size; <= 0 a sphere.
+  for (auto [in, e2] : {std::pair{kRf, kE2}, {kA * (1 - 1 / kRf), kE2}, {kE2, kE2}, {1.0, 1.0}, {0.0, 0.0}, {-5.0, 0.0}}) {
+    ProjState s{};
+    ASSERT_EQ(projection_state_init(&s, kA, in, 45, 190), 0);
+    EXPECT_TRUE(nr(s.e2, e2, 1e-15) && nr(s.e, std::sqrt(e2), 1e-13) && s.a == kA && nr(s.lon0, rad(-170), 1e-15)) << in;
+    EXPECT_TRUE(nr(s.sinLat0, std::sqrt(.5), 3e-16) && nr(s.cosLat0, std::sqrt(.5), 3e-16));
+    EXPECT_TRUE(s.latMin == -90 && s.lonMin == -180 && s.latMax == 90 && s.lonMax == 180);
+  }
+  EXPECT_EQ(projection_state_init(nullptr, kA, kRf, 0, 0), -1);
+  P c0(tm_create(kA, kRf, 0, 0, 1)), c170(tm_create(kA, kRf, 0, 170, 1));
+  ProjState g{};
+  projection_state_init(&g, kA, kRf, 0, 0);
+  const double rows[][4] = {{0, 89.95, 30, 0}, {0, 89.97, 0, 17}, {0, 90.5, 0, -17}, {0, -91, 0, -17}, {0, -89.97, 0, 17},
+    {0, 0, 31.5, 17}, {0, 0, -32, 17}, {0, 0, 33, -17}, {0, 0, -33, -17}, {0, NAN, 0, -17}, {0, 0, 541, -17},
+    {1, 0, -175, 0}, {1, 0, 180, 0}, {1, 0, -180, 0}, {1, 0, -159, 17}, {1, 0, -157, -17}, {1, 0, 139, 17},
+    {1, 0, 137, -17}, {1, 0, 0, -17}, {2, 0, 180, 0}, {2, 0, 181, 17}};
+  for (auto& r : rows) EXPECT_EQ(check_area(r[0] == 2 ? &g : (r[0] ? c170 : c0).get(), r[1], r[2]), r[3]) << r[0] << ": " << r[1] << "," << r[2];
 }
 
 TEST(Core, UtmZonesTmRefusalAndThe180Meridian) {
-    P s(utm_create(kA, kRf));
-    const double rows[][3] = {{0, 0, 31}, {0, 5.999, 31}, {0, 6, 32}, {0, -.1, 30}, {0, -180, 1}, {0, -174, 2}, {0, 179.9, 60},
-        {0, 180, 60}, {-1, 3, 31}, {61, 3, 31}, {1, -170, 1}, {60, 170, 60}, {38, 44.9, 38}, {0, -181, 1}};
-    for (auto& r : rows) {
-        long zone = long(r[0]);
-        double x = kU, y = kU;
-        EXPECT_GE(utm_geo_to_pr(s.get(), 10, r[1], &zone, &x, &y), 0) << r[0] << " " << r[1];
-        EXPECT_TRUE(zone == r[2] && put(x, y)) << r[0] << " " << r[1] << ": " << zone;
-    }
-    long zone = 1;  // forced far away: refused, nothing written
+  P s(utm_create(kA, kRf));
+  const double rows[][3] = {{0, 0, 31}, {0, 5.999, 31}, {0, 6, 32}, {0, -.1, 30}, {0, -180, 1}, {0, -174, 2}, {0, 179.9, 60},
+    {0, 180, 60}, {-1, 3, 31}, {61, 3, 31}, {1, -170, 1}, {60, 170, 60}, {38, 44.9, 38}, {0, -181, 1}};
+  for (auto& r : rows) {
+    long zone = long(r[0]);
     double x = kU, y = kU;
-    EXPECT_EQ(utm_geo_to_pr(s.get(), 10, 100, &zone, &x, &y), -2);
-    EXPECT_TRUE(zone == 1 && x == kU && y == kU);
-    P t(tm_create(kA, kRf, 0, 0, 1));
-    for (auto [lat, lon, st] : {std::tuple{89.97, 0, 17}, {0, 31, 17}, {92, 0, -2}, {0, 33, -2}}) {
-        x = y = kU;
-        EXPECT_EQ(tm_geo_to_pr(t.get(), lat, lon, &x, &y, 0, 0), st) << lat << "," << lon;
-        EXPECT_EQ(put(x, y), st >= 0);
-    }
-    P c170(tm_create(kA, kRf, 0, 170, 0.9996)), c0(tm_create(kA, kRf, 0, 0, 0.9996));
-    double e1, n1, e2, n2, la1, lo1, la2, lo2;
-    EXPECT_EQ(tm_geo_to_pr(c170.get(), 30, -175, &e1, &n1, 0, 0) + tm_geo_to_pr(c0.get(), 30, 15, &e2, &n2, 0, 0), 0);
-    EXPECT_EQ(tm_pr_to_geo(c170.get(), e1, n1, &la1, &lo1, 0, 0) + tm_pr_to_geo(c0.get(), e1, n1, &la2, &lo2, 0, 0), 0);
-    EXPECT_TRUE(nr(e1, e2, 1e-6) && nr(n1, n2, 1e-6) && nr(la1, la2, 1e-9) && nr(lo1, lo2 - 190, 1e-9));
+    EXPECT_GE(utm_geo_to_pr(s.get(), 10, r[1], &zone, &x, &y), 0) << r[0] << " " << r[1];
+    EXPECT_TRUE(zone == r[2] && put(x, y)) << r[0] << " " << r[1] << ": " << zone;
+  }
+  long zone = 1;  // forced far away: refused, nothing written
+  double x = kU, y = kU;
+  EXPECT_EQ(utm_geo_to_pr(s.get(), 10, 100, &zone, &x, &y), -2);
+  EXPECT_TRUE(zone == 1 && x == kU && y == kU);
+  P t(tm_create(kA, kRf, 0, 0, 1));
+  for (auto [lat, lon, st] : {std::tuple{89.97, 0, 17}, {0, 31, 17}, {92, 0, -2}, {0, 33, -2}}) {
+    x = y = kU;
+    EXPECT_EQ(tm_geo_to_pr(t.get(), lat, lon, &x, &y, 0, 0), st) << lat << "," << lon;
+    EXPECT_EQ(put(x, y), st >= 0);
+  }
+  P c170(tm_create(kA, kRf, 0, 170, 0.9996)), c0(tm_create(kA, kRf, 0, 0, 0.9996));
+  double e1, n1, e2, n2, la1, lo1, la2, lo2;
+  EXPECT_EQ(tm_geo_to_pr(c170.get(), 30, -175, &e1, &n1, 0, 0) + tm_geo_to_pr(c0.get(), 30, 15, &e2, &n2, 0, 0), 0);
+  EXPECT_EQ(tm_pr_to_geo(c170.get(), e1, n1, &la1, &lo1, 0, 0) + tm_pr_to_geo(c0.get(), e1, n1, &la2, &lo2, 0, 0), 0);
+  EXPECT_TRUE(nr(e1, e2, 1e-6) && nr(n1, n2, 1e-6) && nr(la1, la2, 1e-9) && nr(lo1, lo2 - 190, 1e-9));
 }
 
 // The series written out literally: separate sin, cos, tan, every division where the formula writes it.
 struct Literal {
-    double a, e2, ep2, k0, lon0, k0m0, E[4], B[4];
-    Literal(double a_, double rf, double lat0, double lon0_, double k0_) : a(a_), e2(e2of(rf)), k0(k0_), lon0(rad(lon0_)) {
-        ep2 = e2 / (1 - e2);
-        const double n = (1 - std::sqrt(1 - e2)) / (1 + std::sqrt(1 - e2)), q = e2 * e2, c = q * e2;
-        const double e[] = {1 - e2 / 4 - 3 * q / 64 - 5 * c / 256, 3 * e2 / 8 + 3 * q / 32 + 45 * c / 1024, 15 * q / 256 + 45 * c / 1024, 35 * c / 3072};
-        const double b[] = {3 * n / 2 - 27 * std::pow(n, 3) / 32, 21 * n * n / 16 - 55 * std::pow(n, 4) / 32, 151 * std::pow(n, 3) / 96, 1097 * std::pow(n, 4) / 512};
-        std::copy(e, e + 4, E), std::copy(b, b + 4, B);
-        k0m0 = k0 * m(rad(lat0));
-    }
-    double m(double p) const { return E[0] * p - E[1] * std::sin(2 * p) + E[2] * std::sin(4 * p) - E[3] * std::sin(6 * p); }
-    void fwd(double lat, double lon, double* x, double* y) const {
-        const double d = rad(lon) - lon0, L = d * d, p = rad(lat), s = std::sin(p), c = std::cos(p);
-        const double T = std::pow(std::tan(p), 2), h = ep2 * c * c, kn = k0 * a / std::sqrt(1 - e2 * s * s), h3 = h * h * h, h4 = h3 * h;
-        const double t3 = kn * s * std::pow(c, 3) * (5 - T + 9 * h + 4 * h * h) / 24;
-        const double t4 = kn * s * std::pow(c, 5) * (61 - 58 * T + T * T + 270 * h - 330 * T * h + 445 * h * h - 680 * T * h * h + 324 * h3 - 600 * T * h3 + 88 * h4 - 192 * T * h4) / 720;
-        const double t5 = kn * s * std::pow(c, 7) * (1385 - 3111 * T + 543 * T * T - T * T * T) / 40320;
-        const double t8 = kn * std::pow(c, 5) * (5 - 18 * T + T * T + 14 * h - 58 * T * h + 13 * h * h - 64 * T * h * h + 4 * h3 - 24 * T * h3) / 120;
-        const double t9 = kn * std::pow(c, 7) * (61 - 479 * T + 179 * T * T - T * T * T) / 5040;
-        *y = k0 * a * m(p) - a * k0m0 + kn * s * c / 2 * L + t3 * L * L + t4 * L * L * L + t5 * L * L * L * L;
-        *x = d * (kn * c + kn * std::pow(c, 3) * (1 - T + h) / 6 * L + t8 * L * L + t9 * L * L * L);
-    }
-    void inv(double x, double y, double* lat, double* lon) const {
-        const double X = x * x, mu = (y / a + k0m0) / k0 / E[0];
-        const double p = mu + B[0] * std::sin(2 * mu) + B[1] * std::sin(4 * mu) + B[2] * std::sin(6 * mu) + B[3] * std::sin(8 * mu);
-        const double s = std::sin(p), c = std::cos(p), t = std::tan(p), T = t * t, h = ep2 * c * c, h3 = h * h * h, h4 = h3 * h;
-        const double r = a * (1 - e2) / std::pow(1 - e2 * s * s, 1.5), n = r * (1 + h);
-        const double t11 = t * (5 + 3 * T + h - 9 * T * h - 4 * h * h) / (24 * r * std::pow(n, 3) * std::pow(k0, 4));
-        const double t12 = t * (61 + 90 * T + 45 * T * T + 46 * h - 252 * T * h - 90 * T * T * h - 3 * h * h - 66 * T * h * h + 225 * T * T * h * h + 100 * h3 + 84 * T * h3 + 88 * h4 - 192 * T * h4) / (720 * r * std::pow(n, 5) * std::pow(k0, 6));
-        const double t13 = t * (1385 + 3633 * T + 4095 * T * T + 1575 * T * T * T) / (40320 * r * std::pow(n, 7) * std::pow(k0, 8));
-        const double t16 = (5 + 6 * h + 28 * T - 3 * h * h + 8 * T * h + 24 * T * T - 4 * h3 + 4 * T * h * h + 24 * T * h3) / (120 * std::pow(n, 5) * c * std::pow(k0, 5));
-        const double t17 = (61 + 662 * T + 1320 * T * T + 720 * T * T * T) / (5040 * std::pow(n, 7) * c * std::pow(k0, 7));
-        *lat = (p - X * t / (2 * r * n * k0 * k0) + X * X * t11 - X * X * X * t12 + X * X * X * X * t13) / kDegToRad;
-        *lon = (lon0 + x * (1 / (n * c * k0) - X * (1 + 2 * T + h) / (6 * std::pow(n, 3) * c * std::pow(k0, 3)) + X * X * t16 - X * X * X * t17)) / kDegToRad;
-    }
+  double a, e2, ep2, k0, lon0, k0m0, E[4], B[4];
+  Literal(double a_, double rf, double lat0, double lon0_, double k0_) : a(a_), e2(e2of(rf)), k0(k0_), lon0(rad(lon0_)) {
+    ep2 = e2 / (1 - e2);
+    const double n = (1 - std::sqrt(1 - e2)) / (1 + std::sqrt(1 - e2)), q = e2 * e2, c = q * e2;
+    const double e[] = {1 - e2 / 4 - 3 * q / 64 - 5 * c / 256, 3 * e2 / 8 + 3 * q / 32 + 45 * c / 1024, 15 * q / 256 + 45 * c / 1024, 35 * c / 3072};
+    const double b[] = {3 * n / 2 - 27 * std::pow(n, 3) / 32, 21 * n * n / 16 - 55 * std::pow(n, 4) / 32, 151 * std::pow(n, 3) / 96, 1097 * std::pow(n, 4) / 512};
+    std::copy(e, e + 4, E), std::copy(b, b + 4, B);
+    k0m0 = k0 * m(rad(lat0));
+  }
+  double m(double p) const { return E[0] * p - E[1] * std::sin(2 * p) + E[2] * std::sin(4 * p) - E[3] * std::sin(6 * p); }
+  void fwd(double lat, double lon, double* x, double* y) const {
+    const double d = rad(lon) - lon0, L = d * d, p = rad(lat), s = std::sin(p), c = std::cos(p);
+    const double T = std::pow(std::tan(p), 2), h = ep2 * c * c, kn = k0 * a / std::sqrt(1 - e2 * s * s), h3 = h * h * h, h4 = h3 * h;
+    const double t3 = kn * s * std::pow(c, 3) * (5 - T + 9 * h + 4 * h * h) / 24;
+    const double t4 = kn * s * std::pow(c, 5) * (61 - 58 * T + T * T + 270 * h - 330 * T * h + 445 * h * h - 680 * T * h * h + 324 * h3 - 600 * T * h3 + 88 * h4 - 192 * T * h4) / 720;
+    const double t5 = kn * s * std::pow(c, 7) * (1385 - 3111 * T + 543 * T * T - T * T * T) / 40320;
+    const double t8 = kn * std::pow(c, 5) * (5 - 18 * T + T * T + 14 * h - 58 * T * h + 13 * h * h - 64 * T * h * h + 4 * h3 - 24 * T * h3) / 120;
+    const double t9 = kn * std::pow(c, 7) * (61 - 479 * T + 179 * T * T - T * T * T) / 5040;
+    *y = k0 * a * m(p) - a * k0m0 + kn * s * c / 2 * L + t3 * L * L + t4 * L * L * L + t5 * L * L * L * L;
+    *x = d * (kn * c + kn * std::pow(c, 3) * (1 - T + h) / 6 * L + t8 * L * L + t9 * L * L * L);
+  }
+  void inv(double x, double y, double* lat, double* lon) const {
+    const double X = x * x, mu = (y / a + k0m0) / k0 / E[0];
+    const double p = mu + B[0] * std::sin(2 * mu) + B[1] * std::sin(4 * mu) + B[2] * std::sin(6 * mu) + B[3] * std::sin(8 * mu);
+    const double s = std::sin(p), c = std::cos(p), t = std::tan(p), T = t * t, h = ep2 * c * c, h3 = h * h * h, h4 = h3 * h;
+    const double r = a * (1 - e2) / std::pow(1 - e2 * s * s, 1.5), n = r * (1 + h);
+    const double t11 = t * (5 + 3 * T + h - 9 * T * h - 4 * h * h) / (24 * r * std::pow(n, 3) * std::pow(k0, 4));
+    const double t12 = t * (61 + 90 * T + 45 * T * T + 46 * h - 252 * T * h - 90 * T * T * h - 3 * h * h - 66 * T * h * h + 225 * T * T * h * h + 100 * h3 + 84 * T * h3 + 88 * h4 - 192 * T * h4) / (720 * r * std::pow(n, 5) * std::pow(k0, 6));
+    const double t13 = t * (1385 + 3633 * T + 4095 * T * T + 1575 * T * T * T) / (40320 * r * std::pow(n, 7) * std::pow(k0, 8));
+    const double t16 = (5 + 6 * h + 28 * T - 3 * h * h + 8 * T * h + 24 * T * T - 4 * h3 + 4 * T * h * h + 24 * T * h3) / (120 * std::pow(n, 5) * c * std::pow(k0, 5));
+    const double t17 = (61 + 662 * T + 1320 * T * T + 720 * T * T * T) / (5040 * std::pow(n, 7) * c * std::pow(k0, 7));
+    *lat = (p - X * t / (2 * r * n * k0 * k0) + X * X * t11 - X * X * X * t12 + X * X * X * X * t13) / kDegToRad;
+    *lon = (lon0 + x * (1 / (n * c * k0) - X * (1 + 2 * T + h) / (6 * std::pow(n, 3) * c * std::pow(k0, 3)) + X * X * t16 - X * X * X * t17)) / kDegToRad;
+  }
 };
 
 TEST(Core, TmIsTheLiteralSeriesToRounding) {
-    // 25 ulps of 1e7 m, 1e-12 degree. rf 50 takes the footpoint from a second sincos.
-    const double rows[][5] = {{kA, kRf, 0, 0, 0.9996}, {kKA, kKRf, 0, 39, 1}, {kA, kRf, 49, -2, 0.9996012717}, {kA, 50, 0, 10, 1}};
-    for (auto& r : rows) {
-        P s(tm_create(r[0], r[1], r[2], r[3], r[4]));
-        EXPECT_EQ(s->tm.smallFoot, r[1] > 100);
-        const Literal lit(r[0], r[1], r[2], r[3], r[4]);
-        for (double lat = -89.5; lat <= 89.5; lat += 0.5) {
-            for (double d = -30; d <= 30; d += 2.5) {
-                double x1, y1, x2, y2, la1, lo1, la2, lo2;
-                ASSERT_EQ(tm_geo_to_pr(s.get(), lat, r[3] + d, &x1, &y1, 0, 0), 0);
-                lit.fwd(lat, r[3] + d, &x2, &y2);
-                ASSERT_TRUE(nr(x1, x2, 5e-8) && nr(y1, y2, 5e-8)) << r[1] << " " << lat << "," << d;
-                if (std::fabs(d) > 10 || std::fabs(lat) > 85) continue;
-                tm_pr_to_geo(s.get(), x2, y2, &la1, &lo1, 0, 0);
-                lit.inv(x2, y2, &la2, &lo2);
-                ASSERT_TRUE(nr(la1, la2, 1e-12) && nr(lo1, lo2, 1e-12)) << r[1] << " " << lat << "," << d;
-            }
-        }
+  // 25 ulps of 1e7 m, 1e-12 degree. rf 50 takes the footpoint from a second sincos.
+  const double rows[][5] = {{kA, kRf, 0, 0, 0.9996}, {kKA, kKRf, 0, 39, 1}, {kA, kRf, 49, -2, 0.9996012717}, {kA, 50, 0, 10, 1}};
+  for (auto& r : rows) {
+    P s(tm_create(r[0], r[1], r[2], r[3], r[4]));
+    EXPECT_EQ(s->tm.smallFoot, r[1] > 100);
+    const Literal lit(r[0], r[1], r[2], r[3], r[4]);
+    for (double lat = -89.5; lat <= 89.5; lat += 0.5) {
+      for (double d = -30; d <= 30; d += 2.5) {
+        double x1, y1, x2, y2, la1, lo1, la2, lo2;
+        ASSERT_EQ(tm_geo_to_pr(s.get(), lat, r[3] + d, &x1, &y1, 0, 0), 0);
+        lit.fwd(lat, r[3] + d, &x2, &y2);
+        ASSERT_TRUE(nr(x1, x2, 5e-8) && nr(y1, y2, 5e-8)) << r[1] << " " << lat << "," << d;
+        if (std::fabs(d) > 10 || std::fabs(lat) > 85) continue;
+        tm_pr_to_geo(s.get(), x2, y2, &la1, &lo1, 0, 0);
+        lit.inv(x2, y2, &la2, &lo2);
+        ASSERT_TRUE(nr(la1, la2, 1e-12) && nr(lo1, lo2, 1e-12)) << r[1] << " " << lat << "," << d;
+      }
     }
+  }
 }
 
 TEST(Core, MercatorAndPolarStereographicEdges) {
-    // Values are the oracle's; here statuses and what a refusal writes.
-    for (auto [cm, lat, lon, st] : {std::tuple{170.0, 0.0, -170.0, 0}, {0, 89.5, 0, 17}, {0, -89.999995, 0, 17}, {0, 89.9999951, 0, -2}, {0, 92, 0, -2}}) {
-        double x = kU, y = kU;
-        EXPECT_EQ(merc_geo_to_pr(M(merc_create(kA, kRf, cm, 0)).get(), lat, lon, &x, &y, 0, 0), st) << lat;
-        EXPECT_EQ(st >= 0, put(x, y)) << lat;
-    }
-    M m30(merc_create(kA, kRf, 30, 0));
-    for (auto [n, lat, st] : {std::tuple{2000.0, 0.0, 0}, {1e9, 90.0, 17}, {-1e9, -90.0, 17}}) {
-        double la = kU, lo = kU;
-        EXPECT_EQ(merc_pr_to_geo(m30.get(), 1000, n, &la, &lo, 1000, 2000), st);
-        EXPECT_TRUE(nr(la, lat, 1e-9) && nr(lo, 30, 1e-12)) << n;
-    }
-    // origin, lat, lon, status, 1 when written (the UTM band's -2 writes)
-    const double ps[][5] = {{kTs, 90 - 5e-8, 77, 0, 1}, {kTs, 84, 0, 0, 1}, {kTs, 83, 0, -2, 1}, {kTs, kTs, 0, -2, 1}, {kTs, -1, 0, 17, 1},
-        {kTs, -3, 0, -2, 0}, {-kTs, -80, 0, 0, 1}, {-kTs, -79, 0, -2, 1}, {-kTs, 1, 0, 17, 1}, {-kTs, 3, 0, -2, 0}};
-    for (auto& q : ps) {
-        double x = kU, y = kU;
-        EXPECT_EQ(ps_geo_to_pr(P(ps_create(kA, kRf, q[0], 0, q[0])).get(), q[1], q[2], &x, &y, F, F), q[3]) << q[0] << ": " << q[1];
-        EXPECT_EQ(q[4] == 1, put(x, y)) << q[0] << ": " << q[1];
-        if (q[1] > 89) { EXPECT_TRUE(nr(x, F, 1e-6) && nr(y, F, 1e-6)); }
-    }
-    for (auto [o, cm, y, lat] : {std::tuple{kTs, 30.0, 2e6, 90.0}, {-kTs, -60, -F, -90}, {kTs, 0, F - 5e-8, 90}}) {
-        double la = kU, lo = kU;  // at the pole the longitude is the central meridian
-        EXPECT_EQ(ps_pr_to_geo(P(ps_create(kA, kRf, o, cm, o)).get(), F, y, &la, &lo, F, F), 0);
-        EXPECT_TRUE(la == lat && nr(lo, cm, 1e-12)) << o;
-    }
-    // The band comes back with status 2; with fn 0 the hemisphere mark
-    // abs(north) - fn takes a point below the pole for one above it.
-    P ts(ps_create(kA, kRf, kTs, 0, kTs));
-    double x, y, la, lo;
-    ps_geo_to_pr(ts.get(), 80, 10, &x, &y, F, F);
-    EXPECT_EQ(ps_pr_to_geo(ts.get(), x, y, &la, &lo, F, F), 2);
-    EXPECT_TRUE(nr(la, 80, 1e-9) && nr(lo, 10, 1e-9));
-    EXPECT_EQ(ps_geo_to_pr(ts.get(), 85, 0, &x, &y, 0, 0) + ps_pr_to_geo(ts.get(), x, y, &la, &lo, 0, 0), 0);
-    EXPECT_TRUE(y < 0 && nr(la, 85, 1e-9) && nr(std::fabs(lo), 180, 1e-9));
+  // Values are the oracle's; here statuses and what a refusal writes.
+  for (auto [cm, lat, lon, st] : {std::tuple{170.0, 0.0, -170.0, 0}, {0, 89.5, 0, 17}, {0, -89.999995, 0, 17}, {0, 89.9999951, 0, -2}, {0, 92, 0, -2}}) {
+    double x = kU, y = kU;
+    EXPECT_EQ(merc_geo_to_pr(M(merc_create(kA, kRf, cm, 0)).get(), lat, lon, &x, &y, 0, 0), st) << lat;
+    EXPECT_EQ(st >= 0, put(x, y)) << lat;
+  }
+  M m30(merc_create(kA, kRf, 30, 0));
+  for (auto [n, lat, st] : {std::tuple{2000.0, 0.0, 0}, {1e9, 90.0, 17}, {-1e9, -90.0, 17}}) {
+    double la = kU, lo = kU;
+    EXPECT_EQ(merc_pr_to_geo(m30.get(), 1000, n, &la, &lo, 1000, 2000), st);
+    EXPECT_TRUE(nr(la, lat, 1e-9) && nr(lo, 30, 1e-12)) << n;
+  }
+  // origin, lat, lon, status, 1 when written (the UTM band's -2 writes)
+  const double ps[][5] = {{kTs, 90 - 5e-8, 77, 0, 1}, {kTs, 84, 0, 0, 1}, {kTs, 83, 0, -2, 1}, {kTs, kTs, 0, -2, 1}, {kTs, -1, 0, 17, 1},
+    {kTs, -3, 0, -2, 0}, {-kTs, -80, 0, 0, 1}, {-kTs, -79, 0, -2, 1}, {-kTs, 1, 0, 17, 1}, {-kTs, 3, 0, -2, 0}};
+  for (auto& q : ps) {
+    double x = kU, y = kU;
+    EXPECT_EQ(ps_geo_to_pr(P(ps_create(kA, kRf, q[0], 0, q[0])).get(), q[1], q[2], &x, &y, F, F), q[3]) << q[0] << ": " << q[1];
+    EXPECT_EQ(q[4] == 1, put(x, y)) << q[0] << ": " << q[1];
+    if (q[1] > 89) { EXPECT_TRUE(nr(x, F, 1e-6) && nr(y, F, 1e-6)); }
+  }
+  for (auto [o, cm, y, lat] : {std::tuple{kTs, 30.0, 2e6, 90.0}, {-kTs, -60, -F, -90}, {kTs, 0, F - 5e-8, 90}}) {
+    double la = kU, lo = kU;  // at the pole the longitude is the central meridian
+    EXPECT_EQ(ps_pr_to_geo(P(ps_create(kA, kRf, o, cm, o)).get(), F, y, &la, &lo, F, F), 0);
+    EXPECT_TRUE(la == lat && nr(lo, cm, 1e-12)) << o;
+  }
+  // The band comes back with status 2; with fn 0 the hemisphere mark
+  // abs(north) - fn takes a point below the pole for one above it.
+  P ts(ps_create(kA, kRf, kTs, 0, kTs));
+  double x, y, la, lo;
+  ps_geo_to_pr(ts.get(), 80, 10, &x, &y, F, F);
+  EXPECT_EQ(ps_pr_to_geo(ts.get(), x, y, &la, &lo, F, F), 2);
+  EXPECT_TRUE(nr(la, 80, 1e-9) && nr(lo, 10, 1e-9));
+  EXPECT_EQ(ps_geo_to_pr(ts.get(), 85, 0, &x, &y, 0, 0) + ps_pr_to_geo(ts.get(), x, y, &la, &lo, 0, 0), 0);
+  EXPECT_TRUE(y < 0 && nr(la, 85, 1e-9) && nr(std::fabs(lo), 180, 1e-9));
 }
 
 TEST(Core, GeocentricToGeodetic) {
-    double la = kU, lo = kU, h = kU;
-    EXPECT_EQ(decart_pr_to_geo(P(decart_create(kA, kRf)).get(), 0, 0, 0, &la, &lo, &h), 0);
-    EXPECT_TRUE(la == 0 && lo == 0);
-    for (double h0 : {-5000.0, 0.0, 50000.0}) {  // Bowring, refined once
-        for (double lat = -89.99; lat <= 89.99; lat += 4.999) {
-            double X, Y, Z;
-            geocentric(kA, kE2, lat, 123, h0, &X, &Y, &Z);
-            geocentric_to_geodetic(kA, kE2, X, Y, Z, &la, &lo, &h);
-            EXPECT_LT(ground(lat, la - lat, lo - 123, h - h0), 1e-6) << lat << " " << h0;
-        }
+  double la = kU, lo = kU, h = kU;
+  EXPECT_EQ(decart_pr_to_geo(P(decart_create(kA, kRf)).get(), 0, 0, 0, &la, &lo, &h), 0);
+  EXPECT_TRUE(la == 0 && lo == 0);
+  for (double h0 : {-5000.0, 0.0, 50000.0}) {  // Bowring, refined once
+    for (double lat = -89.99; lat <= 89.99; lat += 4.999) {
+      double X, Y, Z;
+      geocentric(kA, kE2, lat, 123, h0, &X, &Y, &Z);
+      geocentric_to_geodetic(kA, kE2, X, Y, Z, &la, &lo, &h);
+      EXPECT_LT(ground(lat, la - lat, lo - 123, h - h0), 1e-6) << lat << " " << h0;
     }
-    const double axis[][6] = {{0, 0, 6356757.3142, 90, 0, 5}, {5e-4, -5e-4, -6356752.3142, -90, 0, 0}, {0, 0, 0, 0, 0, -kA},
-                              {0, 5000, 0, 0, 90, 5000 - kA}, {0, -5000, 0, 0, -90, 5000 - kA}};
-    for (auto& r : axis) {
-        geocentric_to_geodetic(kA, kE2, r[0], r[1], r[2], &la, &lo, &h);
-        EXPECT_TRUE(nr(la, r[3], 1e-12) && lo == r[4] && nr(h, r[5], 1e-3)) << r[0] << "," << r[1] << "," << r[2];
-    }
+  }
+  const double axis[][6] = {{0, 0, 6356757.3142, 90, 0, 5}, {5e-4, -5e-4, -6356752.3142, -90, 0, 0}, {0, 0, 0, 0, 0, -kA},
+                {0, 5000, 0, 0, 90, 5000 - kA}, {0, -5000, 0, 0, -90, 5000 - kA}};
+  for (auto& r : axis) {
+    geocentric_to_geodetic(kA, kE2, r[0], r[1], r[2], &la, &lo, &h);
+    EXPECT_TRUE(nr(la, r[3], 1e-12) && lo == r[4] && nr(h, r[5], 1e-3)) << r[0] << "," << r[1] << "," << r[2];
+  }
 }
 
 // WGS 72 -> WGS 84 in closed form from the published constants.
 void wgs72(double lat, double* d) {
-    const double s = std::sin(rad(lat)), c = std::cos(rad(lat));
-    d[0] = (4.5 * c / kA72 + 2 * s * c * 3.121057e-8) / kDegToRad, d[1] = 0.554 / 3600, d[2] = 4.5 * s + kA72 * 3.121057e-8 * s * s - 0.6;
+  const double s = std::sin(rad(lat)), c = std::cos(rad(lat));
+  d[0] = (4.5 * c / kA72 + 2 * s * c * 3.121057e-8) / kDegToRad, d[1] = 0.554 / 3600, d[2] = 4.5 * s + kA72 * 3.121057e-8 * s * s - 0.6;
 }
 
 TEST(Core, DatumShiftMethodsAndClosedForms) {
-    const struct { double aF, rfF; const short* fF; double aT, rfT; const short* fT; short m; } rows[] = {
-        {kA72, kRf72, k0s, kA, kRf, k0s, 72}, {kA, kRf, k0s, kA72, kRf72, k0s, -72}, {kA66, kRf66, k0s, kA, kRf, k0s, 66},
-        {kA, kRf, k0s, kA66, kRf66, k0s, -66}, {kA72 + .005, kRf72 + 5e-7, nullptr, kA - .005, kRf - 5e-8, k0s, 72},
-        {kA72 + .02, kRf72, k0s, kA, kRf, k0s, 2}, {kA72, kRf72 - 2e-6, k0s, kA, kRf, k0s, 2}, {kA72, kRf72, kOth, kA, kRf, k0s, 2},
-        {kA66, kRf66, k0s, kA, kRf + 2e-7, k0s, 0}, {kKA, kKRf, kPul, kA, kRf, k0s, 2}, {kA, kRf, nullptr, kKA, kKRf, kPul, -2},
-        {kA, kRf, k0s, kA, kRf, kOth, -2}, {kKA, kKRf, kPul, 6378388, 297, kOth, 0}, {kA72, kRf72, k0s, kA66, kRf66, k0s, 0},
-        {kA66, kRf66, k0s, kA72, kRf72, k0s, 0}};
-    for (auto& r : rows) EXPECT_EQ(S(datum_shift_create(r.aF, r.rfF, r.fF, r.aT, r.rfT, r.fT))->ShiftMethod, r.m) << r.aF << " " << r.rfF << " -> " << r.aT << " " << r.rfT;
-    S sp(datum_shift_create(6371000, 0, kPul, kA, kRf, kOth));  // rf <= 0 is a sphere
-    EXPECT_TRUE(sp->fFrom == 0 && sp->dX == 18 && sp->dY == -125 && sp->dZ == -98);
-    S to84(datum_shift_create(kA72, kRf72, k0s, kA, kRf, k0s)), to72(datum_shift_create(kA, kRf, k0s, kA72, kRf72, k0s));
-    for (double lat : {0.0, 37.0, 90.0, -90.0}) {
-        double e[3], d[3], n[3];
-        wgs72(lat, e);
-        ASSERT_EQ(datum_shift_delta(lat, 10, 0, &d[0], &d[1], &d[2], to84.get()) + datum_shift_delta(lat, 10, 0, &n[0], &n[1], &n[2], to72.get()), 0);
-        EXPECT_TRUE(nr(d[0], e[0], 1e-19 + 1e-14 * std::fabs(e[0])) && nr(d[1], e[1], 1e-19) && nr(d[2], e[2], 1e-14)) << lat;
-        EXPECT_TRUE(n[0] == -d[0] && n[1] == -d[1] && n[2] == -d[2]) << lat;
+  const struct { double aF, rfF; const short* fF; double aT, rfT; const short* fT; short m; } rows[] = {
+    {kA72, kRf72, k0s, kA, kRf, k0s, 72}, {kA, kRf, k0s, kA72, kRf72, k0s, -72}, {kA66, kRf66, k0s, kA, kRf, k0s, 66},
+    {kA, kRf, k0s, kA66, kRf66, k0s, -66}, {kA72 + .005, kRf72 + 5e-7, nullptr, kA - .005, kRf - 5e-8, k0s, 72},
+    {kA72 + .02, kRf72, k0s, kA, kRf, k0s, 2}, {kA72, kRf72 - 2e-6, k0s, kA, kRf, k0s, 2}, {kA72, kRf72, kOth, kA, kRf, k0s, 2},
+    {kA66, kRf66, k0s, kA, kRf + 2e-7, k0s, 0}, {kKA, kKRf, kPul, kA, kRf, k0s, 2}, {kA, kRf, nullptr, kKA, kKRf, kPul, -2},
+    {kA, kRf, k0s, kA, kRf, kOth, -2}, {kKA, kKRf, kPul, 6378388, 297, kOth, 0}, {kA72, kRf72, k0s, kA66, kRf66, k0s, 0},
+    {kA66, kRf66, k0s, kA72, kRf72, k0s, 0}};
+  for (auto& r : rows) EXPECT_EQ(S(datum_shift_create(r.aF, r.rfF, r.fF, r.aT, r.rfT, r.fT))->ShiftMethod, r.m) << r.aF << " " << r.rfF << " -> " << r.aT << " " << r.rfT;
+  S sp(datum_shift_create(6371000, 0, kPul, kA, kRf, kOth));  // rf <= 0 is a sphere
+  EXPECT_TRUE(sp->fFrom == 0 && sp->dX == 18 && sp->dY == -125 && sp->dZ == -98);
+  S to84(datum_shift_create(kA72, kRf72, k0s, kA, kRf, k0s)), to72(datum_shift_create(kA, kRf, k0s, kA72, kRf72, k0s));
+  for (double lat : {0.0, 37.0, 90.0, -90.0}) {
+    double e[3], d[3], n[3];
+    wgs72(lat, e);
+    ASSERT_EQ(datum_shift_delta(lat, 10, 0, &d[0], &d[1], &d[2], to84.get()) + datum_shift_delta(lat, 10, 0, &n[0], &n[1], &n[2], to72.get()), 0);
+    EXPECT_TRUE(nr(d[0], e[0], 1e-19 + 1e-14 * std::fabs(e[0])) && nr(d[1], e[1], 1e-19) && nr(d[2], e[2], 1e-14)) << lat;
+    EXPECT_TRUE(n[0] == -d[0] && n[1] == -d[1] && n[2] == -d[2]) << lat;
+  }
+  // The longitude wraps once; a height below -1e6 m is unknown, shifted as 0.
+  const double d0 = 4.5 / kA72 / kDegToRad, dl = 0.554 / 3600;
+  for (auto [lon, h, elon, eh] : {std::tuple{179.9999, 50.0, 179.9999 + dl - 360, 49.4}, {10, -2e6, 10 + dl, -.6}, {10, -1e6, 10 + dl, -1e6 - .6}}) {
+    double la = kU, lo = kU, hh = kU;
+    EXPECT_EQ(datum_shift_apply(0, lon, h, &la, &lo, &hh, to84.get()), 0);
+    EXPECT_TRUE(nr(la, d0, 1e-15) && nr(lo, elon, 1e-12) && nr(hh, eh, 1e-9)) << h;
+  }
+  double la = kU, lo, h;  // null outputs are skipped
+  EXPECT_EQ(datum_shift_apply(10, 10, 0, &la, nullptr, nullptr, to84.get()) + datum_shift_delta(10, 10, 0, nullptr, nullptr, nullptr, to84.get()), 0);
+  EXPECT_NE(la, kU);
+  // 66 -> 84: the translation (4, 3, -7) onto WGS 72, then the closed form; back within micrometres.
+  S from66(datum_shift_create(kA66, kRf66, k0s, kA, kRf, k0s)), to66(datum_shift_create(kA, kRf, k0s, kA66, kRf66, k0s));
+  for (double lat = -85; lat <= 85; lat += 17) {
+    for (double lon = -170; lon < 180; lon += 80) {
+      double X, Y, Z, w[3], d[3], o[3], b[3];
+      geocentric(kA66, e2of(kRf66), lat, lon, 300, &X, &Y, &Z);
+      geocentric_to_geodetic(kA72, e2of(kRf72), X + 4, Y + 3, Z - 7, &w[0], &w[1], &w[2]);
+      wgs72(w[0], d);
+      ASSERT_EQ(datum_shift_apply(lat, lon, 300, &o[0], &o[1], &o[2], from66.get()) + datum_shift_apply(o[0], o[1], o[2], &b[0], &b[1], &b[2], to66.get()), 0);
+      EXPECT_LT(ground(lat, o[0] - w[0] - d[0], o[1] - w[1] - d[1], o[2] - w[2] - d[2]), 1e-6) << lat << "," << lon;
+      EXPECT_LT(ground(lat, b[0] - lat, b[1] - lon, b[2] - 300), 1e-5) << lat << "," << lon;
     }
-    // The longitude wraps once; a height below -1e6 m is unknown, shifted as 0.
-    const double d0 = 4.5 / kA72 / kDegToRad, dl = 0.554 / 3600;
-    for (auto [lon, h, elon, eh] : {std::tuple{179.9999, 50.0, 179.9999 + dl - 360, 49.4}, {10, -2e6, 10 + dl, -.6}, {10, -1e6, 10 + dl, -1e6 - .6}}) {
-        double la = kU, lo = kU, hh = kU;
-        EXPECT_EQ(datum_shift_apply(0, lon, h, &la, &lo, &hh, to84.get()), 0);
-        EXPECT_TRUE(nr(la, d0, 1e-15) && nr(lo, elon, 1e-12) && nr(hh, eh, 1e-9)) << h;
-    }
-    double la = kU, lo, h;  // null outputs are skipped
-    EXPECT_EQ(datum_shift_apply(10, 10, 0, &la, nullptr, nullptr, to84.get()) + datum_shift_delta(10, 10, 0, nullptr, nullptr, nullptr, to84.get()), 0);
-    EXPECT_NE(la, kU);
-    // 66 -> 84: the translation (4, 3, -7) onto WGS 72, then the closed form; back within micrometres.
-    S from66(datum_shift_create(kA66, kRf66, k0s, kA, kRf, k0s)), to66(datum_shift_create(kA, kRf, k0s, kA66, kRf66, k0s));
-    for (double lat = -85; lat <= 85; lat += 17) {
-        for (double lon = -170; lon < 180; lon += 80) {
-            double X, Y, Z, w[3], d[3], o[3], b[3];
-            geocentric(kA66, e2of(kRf66), lat, lon, 300, &X, &Y, &Z);
-            geocentric_to_geodetic(kA72, e2of(kRf72), X + 4, Y + 3, Z - 7, &w[0], &w[1], &w[2]);
-            wgs72(w[0], d);
-            ASSERT_EQ(datum_shift_apply(lat, lon, 300, &o[0], &o[1], &o[2], from66.get()) + datum_shift_apply(o[0], o[1], o[2], &b[0], &b[1], &b[2], to66.get()), 0);
-            EXPECT_LT(ground(lat, o[0] - w[0] - d[0], o[1] - w[1] - d[1], o[2] - w[2] - d[2]), 1e-6) << lat << "," << lon;
-            EXPECT_LT(ground(lat, b[0] - lat, b[1] - lon, b[2] - 300), 1e-5) << lat << "," << lon;
-        }
-    }
-    S axis(datum_shift_create(kA, kRf, k0s, kKA, kKRf, k0s));  // on the axis: +-90 and h + b_from - b_to
-    for (double pole : {90.0, -90.0}) {
-        ASSERT_EQ(datum_shift_apply(pole, 0, 10, &la, &lo, &h, axis.get()), 0);
-        EXPECT_TRUE(la == pole && lo == 0 && nr(h, 10 + kA * (1 - 1 / kRf) - kKA * (1 - 1 / kKRf), 1e-8)) << pole;
-    }
+  }
+  S axis(datum_shift_create(kA, kRf, k0s, kKA, kKRf, k0s));  // on the axis: +-90 and h + b_from - b_to
+  for (double pole : {90.0, -90.0}) {
+    ASSERT_EQ(datum_shift_apply(pole, 0, 10, &la, &lo, &h, axis.get()), 0);
+    EXPECT_TRUE(la == pole && lo == 0 && nr(h, 10 + kA * (1 - 1 / kRf) - kKA * (1 - 1 / kKRf), 1e-8)) << pole;
+  }
 }
 
 TEST(Core, NullStatesAreRefusedWithoutWriting) {
-    double x = kU, y = kU, z = kU;
-    long zone = 0;
-    for (int st : {tm_init(nullptr, 1, 1, 0, 0, 1), tm_geo_to_pr(nullptr, 1, 1, &x, &y, 0, 0), tm_pr_to_geo(nullptr, 1, 1, &x, &y, 0, 0),
-                   utm_geo_to_pr(nullptr, 1, 1, &zone, &x, &y), utm_pr_to_geo(nullptr, 31, 1, 1, &x, &y), merc_geo_to_pr(nullptr, 0, 0, &x, &y, 0, 0),
-                   merc_pr_to_geo(nullptr, 0, 0, &x, &y, 0, 0), ps_geo_to_pr(nullptr, 90, 0, &x, &y, 0, 0), ps_pr_to_geo(nullptr, 0, 0, &x, &y, 0, 0),
-                   decart_geo_to_pr(nullptr, 0, 0, 0, &x, &y, &z), decart_pr_to_geo(nullptr, 1, 1, 1, &x, &y, &z)})
-        EXPECT_EQ(st, -1);
-    EXPECT_EQ(datum_shift_delta(0, 0, 0, &x, &y, &z, nullptr) + datum_shift_apply(0, 0, 0, &x, &y, &z, nullptr), 2 * 0xFFFF);
-    EXPECT_TRUE(x == kU && y == kU && z == kU && zone == 0);
-    projection_state_free(nullptr), merc_free(nullptr), datum_shift_free(nullptr);
+  double x = kU, y = kU, z = kU;
+  long zone = 0;
+  for (int st : {tm_init(nullptr, 1, 1, 0, 0, 1), tm_geo_to_pr(nullptr, 1, 1, &x, &y, 0, 0), tm_pr_to_geo(nullptr, 1, 1, &x, &y, 0, 0),
+           utm_geo_to_pr(nullptr, 1, 1, &zone, &x, &y), utm_pr_to_geo(nullptr, 31, 1, 1, &x, &y), merc_geo_to_pr(nullptr, 0, 0, &x, &y, 0, 0),
+           merc_pr_to_geo(nullptr, 0, 0, &x, &y, 0, 0), ps_geo_to_pr(nullptr, 90, 0, &x, &y, 0, 0), ps_pr_to_geo(nullptr, 0, 0, &x, &y, 0, 0),
+           decart_geo_to_pr(nullptr, 0, 0, 0, &x, &y, &z), decart_pr_to_geo(nullptr, 1, 1, 1, &x, &y, &z)})
+    EXPECT_EQ(st, -1);
+  EXPECT_EQ(datum_shift_delta(0, 0, 0, &x, &y, &z, nullptr) + datum_shift_apply(0, 0, 0, &x, &y, &z, nullptr), 2 * 0xFFFF);
+  EXPECT_TRUE(x == kU && y == kU && z == kU && zone == 0);
+  projection_state_free(nullptr), merc_free(nullptr), datum_shift_free(nullptr);
 }
 
 // Bad values in every argument: the documented refusal or a non-finite
@@ -281,88 +281,88 @@ struct Sub { std::function<int(const double*, double*)> f; std::vector<double> a
 #define FN(call) [=](const double* a, double* o) { return call; }
 
 TEST(Core, NonFiniteArguments) {
-    P tm(tm_create(kA, kRf, 10, 170, 0.9996)), utm(utm_create(kA, kRf)), psN(ps_create(kA, kRf, kTs, 0, kTs)),
-        psS(ps_create(kA, kRf, -90, 45, -90)), cart(decart_create(kA, kRf));
-    M merc(merc_create(kA, kRf, 20, 30));
-    ProjState *t = tm.get(), *u = utm.get(), *m = merc.get(), *n = psN.get(), *s = psS.get(), *c = cart.get();
-    std::vector<Sub> subs = {{FN(tm_geo_to_pr(t, a[0], a[1], &o[0], &o[1], 1000, 2000)), {45, 175}, 1, 3, 3},
-        {FN(tm_pr_to_geo(t, a[0], a[1], &o[0], &o[1], 1000, 2000)), {1000, 2e6}, 1, 3, 3},
-        {[=](const double* a, double* o) { long z = 0; int st = utm_geo_to_pr(u, a[0], a[1], &z, &o[0], &o[1]); EXPECT_TRUE(z >= 1 && z <= 60); return st; }, {45, 3}, 1, 3, 3},
-        {FN(utm_pr_to_geo(u, 31, a[0], a[1], &o[0], &o[1])), {4e5, -5e6}, 1, 3, 3},
-        {FN(merc_geo_to_pr(m, a[0], a[1], &o[0], &o[1], 1, 2)), {45, 25}, 1, 3, 3},
-        {FN(merc_pr_to_geo(m, a[0], a[1], &o[0], &o[1], 1, 2)), {1000, 2e6}, 1, 3, 3},
-        {FN(ps_geo_to_pr(n, a[0], a[1], &o[0], &o[1], F, F)), {85, 10}, 1, 3, 3},
-        {FN(ps_pr_to_geo(n, a[0], a[1], &o[0], &o[1], F, F)), {2.3e6, 2.1e6}, 1, 3, 3},
-        {FN(ps_geo_to_pr(s, a[0], a[1], &o[0], &o[1], F, F)), {-85, 10}, 1, 3, 3},
-        {FN(ps_pr_to_geo(s, a[0], a[1], &o[0], &o[1], F, F)), {2.3e6, -2.1e6}, 1, 3, 3},
-        {FN(decart_geo_to_pr(c, a[0], a[1], a[2], &o[0], &o[1], &o[2])), {45, 45, 100}, 0, 7, 7},
-        {FN(decart_pr_to_geo(c, a[0], a[1], a[2], &o[0], &o[1], &o[2])), {4e6, 3e6, 3.5e6}, 0, 7, 7},
-        {FN((geocentric_to_geodetic(a[0], a[1], a[2], a[3], a[4], &o[0], &o[1], &o[2]), 0)), {kA, kE2, 4e6, 5e-4, 4.5e6}, 0, 31, 31}};
-    // Each shift method. -infinity is the unknown height; an infinite height
-    // makes Molodensky's angular differences vanish; the closed form's
-    // differences depend on the latitude alone.
-    std::vector<S> shifts;
-    for (auto [aF, rfF, fF, aT, rfT, fT] : {std::tuple{kA72, kRf72, k0s, kA, kRf, k0s}, {kA, kRf, k0s, kA66, kRf66, k0s},
-             {kKA, kKRf, kPul, kA, kRf, k0s}, {kA, kRf, k0s, kKA, kKRf, kPul}, {kKA, kKRf, kPul, 6378388.0, 297.0, kOth}}) {
-        DatumShiftState* d = shifts.emplace_back(datum_shift_create(aF, rfF, fF, aT, rfT, fT)).get();
-        const unsigned closed = std::abs(d->ShiftMethod) == 72;
-        for (double lat : {45.0, 89.5}) {
-            subs.push_back({FN(datum_shift_apply(a[0], a[1], a[2], &o[0], &o[1], &o[2], d)), {lat, 179.99, 100}, 0, 7, 7});
-            subs.push_back({FN(datum_shift_delta(a[0], a[1], a[2], &o[0], &o[1], &o[2], d)), {lat, -179.99, 100}, 0, closed ? 1u : 7u, closed ? 1u : 3u});
-        }
+  P tm(tm_create(kA, kRf, 10, 170, 0.9996)), utm(utm_create(kA, kRf)), psN(ps_create(kA, kRf, kTs, 0, kTs)),
+    psS(ps_create(kA, kRf, -90, 45, -90)), cart(decart_create(kA, kRf));
+  M merc(merc_create(kA, kRf, 20, 30));
+  ProjState *t = tm.get(), *u = utm.get(), *m = merc.get(), *n = psN.get(), *s = psS.get(), *c = cart.get();
+  std::vector<Sub> subs = {{FN(tm_geo_to_pr(t, a[0], a[1], &o[0], &o[1], 1000, 2000)), {45, 175}, 1, 3, 3},
+    {FN(tm_pr_to_geo(t, a[0], a[1], &o[0], &o[1], 1000, 2000)), {1000, 2e6}, 1, 3, 3},
+    {[=](const double* a, double* o) { long z = 0; int st = utm_geo_to_pr(u, a[0], a[1], &z, &o[0], &o[1]); EXPECT_TRUE(z >= 1 && z <= 60); return st; }, {45, 3}, 1, 3, 3},
+    {FN(utm_pr_to_geo(u, 31, a[0], a[1], &o[0], &o[1])), {4e5, -5e6}, 1, 3, 3},
+    {FN(merc_geo_to_pr(m, a[0], a[1], &o[0], &o[1], 1, 2)), {45, 25}, 1, 3, 3},
+    {FN(merc_pr_to_geo(m, a[0], a[1], &o[0], &o[1], 1, 2)), {1000, 2e6}, 1, 3, 3},
+    {FN(ps_geo_to_pr(n, a[0], a[1], &o[0], &o[1], F, F)), {85, 10}, 1, 3, 3},
+    {FN(ps_pr_to_geo(n, a[0], a[1], &o[0], &o[1], F, F)), {2.3e6, 2.1e6}, 1, 3, 3},
+    {FN(ps_geo_to_pr(s, a[0], a[1], &o[0], &o[1], F, F)), {-85, 10}, 1, 3, 3},
+    {FN(ps_pr_to_geo(s, a[0], a[1], &o[0], &o[1], F, F)), {2.3e6, -2.1e6}, 1, 3, 3},
+    {FN(decart_geo_to_pr(c, a[0], a[1], a[2], &o[0], &o[1], &o[2])), {45, 45, 100}, 0, 7, 7},
+    {FN(decart_pr_to_geo(c, a[0], a[1], a[2], &o[0], &o[1], &o[2])), {4e6, 3e6, 3.5e6}, 0, 7, 7},
+    {FN((geocentric_to_geodetic(a[0], a[1], a[2], a[3], a[4], &o[0], &o[1], &o[2]), 0)), {kA, kE2, 4e6, 5e-4, 4.5e6}, 0, 31, 31}};
+  // Each shift method. -infinity is the unknown height; an infinite height
+  // makes Molodensky's angular differences vanish; the closed form's
+  // differences depend on the latitude alone.
+  std::vector<S> shifts;
+  for (auto [aF, rfF, fF, aT, rfT, fT] : {std::tuple{kA72, kRf72, k0s, kA, kRf, k0s}, {kA, kRf, k0s, kA66, kRf66, k0s},
+       {kKA, kKRf, kPul, kA, kRf, k0s}, {kA, kRf, k0s, kKA, kKRf, kPul}, {kKA, kKRf, kPul, 6378388.0, 297.0, kOth}}) {
+    DatumShiftState* d = shifts.emplace_back(datum_shift_create(aF, rfF, fF, aT, rfT, fT)).get();
+    const unsigned closed = std::abs(d->ShiftMethod) == 72;
+    for (double lat : {45.0, 89.5}) {
+      subs.push_back({FN(datum_shift_apply(a[0], a[1], a[2], &o[0], &o[1], &o[2], d)), {lat, 179.99, 100}, 0, 7, 7});
+      subs.push_back({FN(datum_shift_delta(a[0], a[1], a[2], &o[0], &o[1], &o[2], d)), {lat, -179.99, 100}, 0, closed ? 1u : 7u, closed ? 1u : 3u});
     }
-    for (size_t k = 0; k < subs.size(); ++k) {
-        const Sub& f = subs[k];
-        for (size_t i = 0; i < f.args.size(); ++i) {
-            for (double v : kBad) {
-                std::vector<double> a = f.args, o(3, kU);
-                a[i] = v;
-                const int st = f.f(a.data(), o.data());
-                SCOPED_TRACE("subject " + std::to_string(k) + " arg " + std::to_string(i) + " = " + std::to_string(v) + ": " + std::to_string(st));
-                const int outs = 3 - f.proj, written = (o[0] != kU) + (o[1] != kU) + (o[2] != kU);
-                EXPECT_TRUE(f.proj ? st == 0 || st == 17 || st == (k % 2 ? -17 : -2) || (k == 7 || k == 9 ? st == 2 : false) : st == 0);
-                if (st == -2 && (written == 0 || k < 6)) { EXPECT_EQ(written, 0); continue; }  // polar stereographic writes in the band
-                EXPECT_EQ(written, outs);
-                const bool nan = std::isnan(o[0]) || std::isnan(o[1]) || (outs == 3 && std::isnan(o[2]));
-                const bool bad = !std::isfinite(o[0]) || !std::isfinite(o[1]) || (outs == 3 && !std::isfinite(o[2]));
-                if (f.proj && st >= 0) { EXPECT_FALSE(bad); }
-                if (std::isnan(v) && (f.nan >> i & 1)) { EXPECT_TRUE(nan); }
-                if (std::isinf(v) && (f.inf >> i & 1) && !(k >= 13 && i == 2 && v < 0)) { EXPECT_TRUE(bad); }
-            }
-        }
+  }
+  for (size_t k = 0; k < subs.size(); ++k) {
+    const Sub& f = subs[k];
+    for (size_t i = 0; i < f.args.size(); ++i) {
+      for (double v : kBad) {
+        std::vector<double> a = f.args, o(3, kU);
+        a[i] = v;
+        const int st = f.f(a.data(), o.data());
+        SCOPED_TRACE("subject " + std::to_string(k) + " arg " + std::to_string(i) + " = " + std::to_string(v) + ": " + std::to_string(st));
+        const int outs = 3 - f.proj, written = (o[0] != kU) + (o[1] != kU) + (o[2] != kU);
+        EXPECT_TRUE(f.proj ? st == 0 || st == 17 || st == (k % 2 ? -17 : -2) || (k == 7 || k == 9 ? st == 2 : false) : st == 0);
+        if (st == -2 && (written == 0 || k < 6)) { EXPECT_EQ(written, 0); continue; }  // polar stereographic writes in the band
+        EXPECT_EQ(written, outs);
+        const bool nan = std::isnan(o[0]) || std::isnan(o[1]) || (outs == 3 && std::isnan(o[2]));
+        const bool bad = !std::isfinite(o[0]) || !std::isfinite(o[1]) || (outs == 3 && !std::isfinite(o[2]));
+        if (f.proj && st >= 0) { EXPECT_FALSE(bad); }
+        if (std::isnan(v) && (f.nan >> i & 1)) { EXPECT_TRUE(nan); }
+        if (std::isinf(v) && (f.inf >> i & 1) && !(k >= 13 && i == 2 && v < 0)) { EXPECT_TRUE(bad); }
+      }
     }
-    for (int fe : {INT_MIN, INT_MAX, 0, -1}) {
-        for (int fn : {INT_MIN, INT_MAX, 0, -1}) {
-            double x = kU, y = kU;
-            EXPECT_EQ(tm_geo_to_pr(t, 45, 175, &x, &y, fe, fn) + tm_pr_to_geo(t, x, y, &x, &y, fe, fn), 0);
-            EXPECT_GE(merc_geo_to_pr(m, 45, 25, &x, &y, fe, fn), 0);
-            EXPECT_GE(merc_pr_to_geo(m, 0, 0, &x, &y, fe, fn), -17);
-            EXPECT_NE(ps_geo_to_pr(n, 85, 0, &x, &y, fe, fn), -1);
-            EXPECT_NE(ps_pr_to_geo(n, 0, 0, &x, &y, fe, fn), -1);
-        }
+  }
+  for (int fe : {INT_MIN, INT_MAX, 0, -1}) {
+    for (int fn : {INT_MIN, INT_MAX, 0, -1}) {
+      double x = kU, y = kU;
+      EXPECT_EQ(tm_geo_to_pr(t, 45, 175, &x, &y, fe, fn) + tm_pr_to_geo(t, x, y, &x, &y, fe, fn), 0);
+      EXPECT_GE(merc_geo_to_pr(m, 45, 25, &x, &y, fe, fn), 0);
+      EXPECT_GE(merc_pr_to_geo(m, 0, 0, &x, &y, fe, fn), -17);
+      EXPECT_NE(ps_geo_to_pr(n, 85, 0, &x, &y, fe, fn), -1);
+      EXPECT_NE(ps_pr_to_geo(n, 0, 0, &x, &y, fe, fn), -1);
     }
-    for (long zone : {LONG_MIN, LONG_MAX, -1L, 0L, 61L, 1000000L}) {  // absurd zones: chosen afresh
-        double x, y;
-        EXPECT_EQ(utm_geo_to_pr(u, 45, 3, &zone, &x, &y), 0);
-        EXPECT_EQ(zone, 31);
+  }
+  for (long zone : {LONG_MIN, LONG_MAX, -1L, 0L, 61L, 1000000L}) {  // absurd zones: chosen afresh
+    double x, y;
+    EXPECT_EQ(utm_geo_to_pr(u, 45, 3, &zone, &x, &y), 0);
+    EXPECT_EQ(zone, 31);
+  }
+  for (int zone : {INT_MIN, INT_MAX, 0, 61}) {  // coming back: 6 zone - 183 in double
+    double la, lo;
+    EXPECT_EQ(utm_pr_to_geo(u, zone, 5e5, 5e6, &la, &lo), 0);
+    EXPECT_DOUBLE_EQ(lo, 6.0 * zone - 183);
+  }
+  for (double v : kBad) {  // states from a bad figure or origin: a NaN shows or is refused
+    for (int i = 0; i < 3; ++i) {
+      double p[3] = {kA, kRf, 30}, x[6]{}, y[6]{};
+      p[i] = v;
+      P t(tm_create(p[0], p[1], p[2], 20, 0.9996)), ps(ps_create(p[0], p[1], 81, 20, p[2] + 51));
+      M mc(merc_create(p[0], p[1], 20, p[2]));
+      const int st[] = {tm_geo_to_pr(t.get(), 35, 22, &x[0], &y[0], 0, 0), tm_pr_to_geo(t.get(), 1e3, 5e3, &x[1], &y[1], 0, 0),
+                merc_geo_to_pr(mc.get(), 35, 22, &x[2], &y[2], 0, 0), merc_pr_to_geo(mc.get(), 1e3, 5e3, &x[3], &y[3], 0, 0),
+                ps_geo_to_pr(ps.get(), 85, 22, &x[4], &y[4], 0, 0), ps_pr_to_geo(ps.get(), 1e3, 5e3, &x[5], &y[5], 0, 0)};
+      for (int k = 0; k < 6; ++k) EXPECT_TRUE(!std::isnan(v) || st[k] == -2 || std::isnan(x[k]) || std::isnan(y[k])) << i << " " << k;
     }
-    for (int zone : {INT_MIN, INT_MAX, 0, 61}) {  // coming back: 6 zone - 183 in double
-        double la, lo;
-        EXPECT_EQ(utm_pr_to_geo(u, zone, 5e5, 5e6, &la, &lo), 0);
-        EXPECT_DOUBLE_EQ(lo, 6.0 * zone - 183);
-    }
-    for (double v : kBad) {  // states from a bad figure or origin: a NaN shows or is refused
-        for (int i = 0; i < 3; ++i) {
-            double p[3] = {kA, kRf, 30}, x[6]{}, y[6]{};
-            p[i] = v;
-            P t(tm_create(p[0], p[1], p[2], 20, 0.9996)), ps(ps_create(p[0], p[1], 81, 20, p[2] + 51));
-            M mc(merc_create(p[0], p[1], 20, p[2]));
-            const int st[] = {tm_geo_to_pr(t.get(), 35, 22, &x[0], &y[0], 0, 0), tm_pr_to_geo(t.get(), 1e3, 5e3, &x[1], &y[1], 0, 0),
-                              merc_geo_to_pr(mc.get(), 35, 22, &x[2], &y[2], 0, 0), merc_pr_to_geo(mc.get(), 1e3, 5e3, &x[3], &y[3], 0, 0),
-                              ps_geo_to_pr(ps.get(), 85, 22, &x[4], &y[4], 0, 0), ps_pr_to_geo(ps.get(), 1e3, 5e3, &x[5], &y[5], 0, 0)};
-            for (int k = 0; k < 6; ++k) EXPECT_TRUE(!std::isnan(v) || st[k] == -2 || std::isnan(x[k]) || std::isnan(y[k])) << i << " " << k;
-        }
-    }
+  }
 }
 
 }  // namespace
