@@ -90,13 +90,12 @@ TEST(Core, UtmZonesTmRefusalAndThe180Meridian) {
 
 // The series written out literally: separate sin, cos, tan, every division where the formula writes it.
 struct Literal {
-  double a, e2, ep2, k0, lon0, k0m0, E[4], B[4];
+  double a, e2, ep2, k0, lon0, k0m0, E[4];
   Literal(double a_, double rf, double lat0, double lon0_, double k0_) : a(a_), e2(e2of(rf)), k0(k0_), lon0(rad(lon0_)) {
     ep2 = e2 / (1 - e2);
-    const double n = (1 - std::sqrt(1 - e2)) / (1 + std::sqrt(1 - e2)), q = e2 * e2, c = q * e2;
+    const double q = e2 * e2, c = q * e2;
     const double e[] = {1 - e2 / 4 - 3 * q / 64 - 5 * c / 256, 3 * e2 / 8 + 3 * q / 32 + 45 * c / 1024, 15 * q / 256 + 45 * c / 1024, 35 * c / 3072};
-    const double b[] = {3 * n / 2 - 27 * std::pow(n, 3) / 32, 21 * n * n / 16 - 55 * std::pow(n, 4) / 32, 151 * std::pow(n, 3) / 96, 1097 * std::pow(n, 4) / 512};
-    std::copy(e, e + 4, E), std::copy(b, b + 4, B);
+    std::copy(e, e + 4, E);
     k0m0 = k0 * m(rad(lat0));
   }
   double m(double p) const { return E[0] * p - E[1] * std::sin(2 * p) + E[2] * std::sin(4 * p) - E[3] * std::sin(6 * p); }
@@ -111,23 +110,10 @@ struct Literal {
     *y = k0 * a * m(p) - a * k0m0 + kn * s * c / 2 * L + t3 * L * L + t4 * L * L * L + t5 * L * L * L * L;
     *x = d * (kn * c + kn * std::pow(c, 3) * (1 - T + h) / 6 * L + t8 * L * L + t9 * L * L * L);
   }
-  void inv(double x, double y, double* lat, double* lon) const {
-    const double X = x * x, mu = (y / a + k0m0) / k0 / E[0];
-    const double p = mu + B[0] * std::sin(2 * mu) + B[1] * std::sin(4 * mu) + B[2] * std::sin(6 * mu) + B[3] * std::sin(8 * mu);
-    const double s = std::sin(p), c = std::cos(p), t = std::tan(p), T = t * t, h = ep2 * c * c, h3 = h * h * h, h4 = h3 * h;
-    const double r = a * (1 - e2) / std::pow(1 - e2 * s * s, 1.5), n = r * (1 + h);
-    const double t11 = t * (5 + 3 * T + h - 9 * T * h - 4 * h * h) / (24 * r * std::pow(n, 3) * std::pow(k0, 4));
-    const double t12 = t * (61 + 90 * T + 45 * T * T + 46 * h - 252 * T * h - 90 * T * T * h - 3 * h * h - 66 * T * h * h + 225 * T * T * h * h + 100 * h3 + 84 * T * h3 + 88 * h4 - 192 * T * h4) / (720 * r * std::pow(n, 5) * std::pow(k0, 6));
-    const double t13 = t * (1385 + 3633 * T + 4095 * T * T + 1575 * T * T * T) / (40320 * r * std::pow(n, 7) * std::pow(k0, 8));
-    const double t16 = (5 + 6 * h + 28 * T - 3 * h * h + 8 * T * h + 24 * T * T - 4 * h3 + 4 * T * h * h + 24 * T * h3) / (120 * std::pow(n, 5) * c * std::pow(k0, 5));
-    const double t17 = (61 + 662 * T + 1320 * T * T + 720 * T * T * T) / (5040 * std::pow(n, 7) * c * std::pow(k0, 7));
-    *lat = (p - X * t / (2 * r * n * k0 * k0) + X * X * t11 - X * X * X * t12 + X * X * X * X * t13) / kDegToRad;
-    *lon = (lon0 + x * (1 / (n * c * k0) - X * (1 + 2 * T + h) / (6 * std::pow(n, 3) * c * std::pow(k0, 3)) + X * X * t16 - X * X * X * t17)) / kDegToRad;
-  }
 };
 
 TEST(Core, TmIsTheLiteralSeriesToRounding) {
-  // 25 ulps of 1e7 m, 1e-12 degree. rf 50 takes the footpoint from a second sincos.
+  // 25 ulps of 1e7 m. The inverse's round trip is the oracle's.
   const double rows[][5] = {{kA, kRf, 0, 0, 0.9996}, {kKA, kKRf, 0, 39, 1}, {kA, kRf, 49, -2, 0.9996012717}, {kA, 50, 0, 10, 1}};
   for (auto& r : rows) {
     P s(tm_create(r[0], r[1], r[2], r[3], r[4]));
@@ -135,14 +121,10 @@ TEST(Core, TmIsTheLiteralSeriesToRounding) {
     const Literal lit(r[0], r[1], r[2], r[3], r[4]);
     for (double lat = -89.5; lat <= 89.5; lat += 0.5) {
       for (double d = -30; d <= 30; d += 2.5) {
-        double x1, y1, x2, y2, la1, lo1, la2, lo2;
+        double x1, y1, x2, y2;
         ASSERT_EQ(tm_geo_to_pr(s.get(), lat, r[3] + d, &x1, &y1, 0, 0), 0);
         lit.fwd(lat, r[3] + d, &x2, &y2);
         ASSERT_TRUE(nr(x1, x2, 5e-8) && nr(y1, y2, 5e-8)) << r[1] << " " << lat << "," << d;
-        if (std::fabs(d) > 10 || std::fabs(lat) > 85) continue;
-        tm_pr_to_geo(s.get(), x2, y2, &la1, &lo1, 0, 0);
-        lit.inv(x2, y2, &la2, &lo2);
-        ASSERT_TRUE(nr(la1, la2, 1e-12) && nr(lo1, lo2, 1e-12)) << r[1] << " " << lat << "," << d;
       }
     }
   }
@@ -281,20 +263,17 @@ struct Sub { std::function<int(const double*, double*)> f; std::vector<double> a
 #define FN(call) [=](const double* a, double* o) { return call; }
 
 TEST(Core, NonFiniteArguments) {
-  P tm(tm_create(kA, kRf, 10, 170, 0.9996)), utm(utm_create(kA, kRf)), psN(ps_create(kA, kRf, kTs, 0, kTs)),
-    psS(ps_create(kA, kRf, -90, 45, -90)), cart(decart_create(kA, kRf));
+  P tm(tm_create(kA, kRf, 10, 170, 0.9996)), utm(utm_create(kA, kRf)), psN(ps_create(kA, kRf, -90, 45, -90)), cart(decart_create(kA, kRf));
   M merc(merc_create(kA, kRf, 20, 30));
-  ProjState *t = tm.get(), *u = utm.get(), *m = merc.get(), *n = psN.get(), *s = psS.get(), *c = cart.get();
+  ProjState *t = tm.get(), *u = utm.get(), *m = merc.get(), *n = psN.get(), *c = cart.get();
   std::vector<Sub> subs = {{FN(tm_geo_to_pr(t, a[0], a[1], &o[0], &o[1], 1000, 2000)), {45, 175}, 1, 3, 3},
     {FN(tm_pr_to_geo(t, a[0], a[1], &o[0], &o[1], 1000, 2000)), {1000, 2e6}, 1, 3, 3},
     {[=](const double* a, double* o) { long z = 0; int st = utm_geo_to_pr(u, a[0], a[1], &z, &o[0], &o[1]); EXPECT_TRUE(z >= 1 && z <= 60); return st; }, {45, 3}, 1, 3, 3},
     {FN(utm_pr_to_geo(u, 31, a[0], a[1], &o[0], &o[1])), {4e5, -5e6}, 1, 3, 3},
     {FN(merc_geo_to_pr(m, a[0], a[1], &o[0], &o[1], 1, 2)), {45, 25}, 1, 3, 3},
     {FN(merc_pr_to_geo(m, a[0], a[1], &o[0], &o[1], 1, 2)), {1000, 2e6}, 1, 3, 3},
-    {FN(ps_geo_to_pr(n, a[0], a[1], &o[0], &o[1], F, F)), {85, 10}, 1, 3, 3},
-    {FN(ps_pr_to_geo(n, a[0], a[1], &o[0], &o[1], F, F)), {2.3e6, 2.1e6}, 1, 3, 3},
-    {FN(ps_geo_to_pr(s, a[0], a[1], &o[0], &o[1], F, F)), {-85, 10}, 1, 3, 3},
-    {FN(ps_pr_to_geo(s, a[0], a[1], &o[0], &o[1], F, F)), {2.3e6, -2.1e6}, 1, 3, 3},
+    {FN(ps_geo_to_pr(n, a[0], a[1], &o[0], &o[1], F, F)), {-85, 10}, 1, 3, 3},
+    {FN(ps_pr_to_geo(n, a[0], a[1], &o[0], &o[1], F, F)), {2.3e6, -2.1e6}, 1, 3, 3},
     {FN(decart_geo_to_pr(c, a[0], a[1], a[2], &o[0], &o[1], &o[2])), {45, 45, 100}, 0, 7, 7},
     {FN(decart_pr_to_geo(c, a[0], a[1], a[2], &o[0], &o[1], &o[2])), {4e6, 3e6, 3.5e6}, 0, 7, 7},
     {FN((geocentric_to_geodetic(a[0], a[1], a[2], a[3], a[4], &o[0], &o[1], &o[2]), 0)), {kA, kE2, 4e6, 5e-4, 4.5e6}, 0, 31, 31}};
@@ -303,7 +282,7 @@ TEST(Core, NonFiniteArguments) {
   // differences depend on the latitude alone.
   std::vector<S> shifts;
   for (auto [aF, rfF, fF, aT, rfT, fT] : {std::tuple{kA72, kRf72, k0s, kA, kRf, k0s}, {kA, kRf, k0s, kA66, kRf66, k0s},
-       {kKA, kKRf, kPul, kA, kRf, k0s}, {kA, kRf, k0s, kKA, kKRf, kPul}, {kKA, kKRf, kPul, 6378388.0, 297.0, kOth}}) {
+       {kKA, kKRf, kPul, kA, kRf, k0s}, {kKA, kKRf, kPul, 6378388.0, 297.0, kOth}}) {
     DatumShiftState* d = shifts.emplace_back(datum_shift_create(aF, rfF, fF, aT, rfT, fT)).get();
     const unsigned closed = std::abs(d->ShiftMethod) == 72;
     for (double lat : {45.0, 89.5}) {
@@ -320,14 +299,14 @@ TEST(Core, NonFiniteArguments) {
         const int st = f.f(a.data(), o.data());
         SCOPED_TRACE("subject " + std::to_string(k) + " arg " + std::to_string(i) + " = " + std::to_string(v) + ": " + std::to_string(st));
         const int outs = 3 - f.proj, written = (o[0] != kU) + (o[1] != kU) + (o[2] != kU);
-        EXPECT_TRUE(f.proj ? st == 0 || st == 17 || st == (k % 2 ? -17 : -2) || (k == 7 || k == 9 ? st == 2 : false) : st == 0);
+        EXPECT_TRUE(f.proj ? st == 0 || st == 17 || st == (k % 2 ? -17 : -2) || (k == 7 && st == 2) : st == 0);
         if (st == -2 && (written == 0 || k < 6)) { EXPECT_EQ(written, 0); continue; }  // polar stereographic writes in the band
         EXPECT_EQ(written, outs);
         const bool nan = std::isnan(o[0]) || std::isnan(o[1]) || (outs == 3 && std::isnan(o[2]));
         const bool bad = !std::isfinite(o[0]) || !std::isfinite(o[1]) || (outs == 3 && !std::isfinite(o[2]));
         if (f.proj && st >= 0) { EXPECT_FALSE(bad); }
         if (std::isnan(v) && (f.nan >> i & 1)) { EXPECT_TRUE(nan); }
-        if (std::isinf(v) && (f.inf >> i & 1) && !(k >= 13 && i == 2 && v < 0)) { EXPECT_TRUE(bad); }
+        if (std::isinf(v) && (f.inf >> i & 1) && !(k >= 11 && i == 2 && v < 0)) { EXPECT_TRUE(bad); }
       }
     }
   }
@@ -337,7 +316,7 @@ TEST(Core, NonFiniteArguments) {
       EXPECT_EQ(tm_geo_to_pr(t, 45, 175, &x, &y, fe, fn) + tm_pr_to_geo(t, x, y, &x, &y, fe, fn), 0);
       EXPECT_GE(merc_geo_to_pr(m, 45, 25, &x, &y, fe, fn), 0);
       EXPECT_GE(merc_pr_to_geo(m, 0, 0, &x, &y, fe, fn), -17);
-      EXPECT_NE(ps_geo_to_pr(n, 85, 0, &x, &y, fe, fn), -1);
+      EXPECT_NE(ps_geo_to_pr(n, -85, 0, &x, &y, fe, fn), -1);
       EXPECT_NE(ps_pr_to_geo(n, 0, 0, &x, &y, fe, fn), -1);
     }
   }
