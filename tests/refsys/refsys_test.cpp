@@ -53,10 +53,6 @@ TEST_F(Refsys, NewRecordAndItsBlocks) {
   short v[6] = {1, 1, 1, 1, 1, 1};
   EXPECT_EQ(0, r.GetGeoInfoA(geo, v));
   EXPECT_TRUE(Zero(geo, sizeof geo) && Zero(v, sizeof v) && Zero(r.szDatumName, 50) && Zero(r.szEllipsName, 50));
-  const std::string dir = m_env.appDir() + "\\Auxiliary Data\\";
-  EXPECT_EQ(CString((dir + "ellips.ini").c_str()), *r.GetEllipsFile());
-  EXPECT_EQ(CString((dir + "datum.ini").c_str()), *r.GetDatumFile());
-  EXPECT_EQ(CString((dir + "projection.ini").c_str()), *r.GetProjectionFile());
   ASSERT_EQ(1, r.SetProjection(GaussKruger));
   SP* gk = Scaled(r);
   EXPECT_TRUE(Zero(gk, sizeof *gk));

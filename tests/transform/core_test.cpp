@@ -310,15 +310,11 @@ TEST(Core, NonFiniteArguments) {
       }
     }
   }
-  for (int fe : {INT_MIN, INT_MAX, 0, -1}) {
-    for (int fn : {INT_MIN, INT_MAX, 0, -1}) {
-      double x = kU, y = kU;
-      EXPECT_EQ(tm_geo_to_pr(t, 45, 175, &x, &y, fe, fn) + tm_pr_to_geo(t, x, y, &x, &y, fe, fn), 0);
-      EXPECT_GE(merc_geo_to_pr(m, 45, 25, &x, &y, fe, fn), 0);
-      EXPECT_GE(merc_pr_to_geo(m, 0, 0, &x, &y, fe, fn), -17);
-      EXPECT_NE(ps_geo_to_pr(n, -85, 0, &x, &y, fe, fn), -1);
-      EXPECT_NE(ps_pr_to_geo(n, 0, 0, &x, &y, fe, fn), -1);
-    }
+  for (int f : {INT_MIN, INT_MAX}) {  // extreme offsets, without overflow
+    double x = kU, y = kU;
+    EXPECT_EQ(tm_geo_to_pr(t, 45, 175, &x, &y, f, -f) + tm_pr_to_geo(t, x, y, &x, &y, f, -f), 0);
+    EXPECT_TRUE(merc_geo_to_pr(m, 45, 25, &x, &y, f, f) >= 0 && merc_pr_to_geo(m, 0, 0, &x, &y, f, f) >= -17);
+    EXPECT_TRUE(ps_geo_to_pr(n, -85, 0, &x, &y, f, f) != -1 && ps_pr_to_geo(n, 0, 0, &x, &y, f, f) != -1);
   }
   for (long zone : {LONG_MIN, LONG_MAX, -1L, 0L, 61L, 1000000L}) {  // absurd zones: chosen afresh
     double x, y;
