@@ -173,21 +173,8 @@ TEST_F(Coord, FieldsLabelsAndMasks) {
       const Mask& m = (dec ? r.dec : r.dms).mask ? (dec ? r.dec : r.dms) : kPre;
       EXPECT_TRUE(e.GetMask() == m.mask && e.GetLiteral() == m.literal && e.GetValid() == m.valid) << dec;
     }
-    CListFrame list;  // a list cell: column 1 of the item, always the dms form
-    list.InsertColumn(0, "F"), list.InsertColumn(1, "V");
-    for (int row = 0; row < 3; ++row) {
-      list.InsertItem(row, "l");
-      for (int col = 0; col < 2; ++col) list.SetMask(row, col, kPre.mask, kPre.literal, kPre.valid);
-    }
-    s.SetCoordFieldMaskNum(2, &list, r.field);
-    for (int row = 0; row < 3; ++row)
-      for (int col = 0; col < 2; ++col) {
-        const Mask& m = row == 2 && col == 1 && r.dms.mask ? r.dms : kPre;
-        EXPECT_TRUE(list.GetMask(row, col) == m.mask && list.GetValid(row, col) == m.valid) << row << "," << col;
-      }
   }
   Sys(1).SetCoordFieldMask(nullptr, 0, false);
-  Sys(1).SetCoordFieldMaskNum(0, nullptr, 1);
 }
 
 }  // namespace
