@@ -137,12 +137,6 @@ TEST(Core, MercatorAndPolarStereographicEdges) {
     EXPECT_EQ(merc_geo_to_pr(M(merc_create(kA, kRf, cm, 0)).get(), lat, lon, &x, &y, 0, 0), st) << lat;
     EXPECT_EQ(st >= 0, put(x, y)) << lat;
   }
-  M m30(merc_create(kA, kRf, 30, 0));
-  for (auto [n, lat, st] : {std::tuple{2000.0, 0.0, 0}, {1e9, 90.0, 17}, {-1e9, -90.0, 17}}) {
-    double la = kU, lo = kU;
-    EXPECT_EQ(merc_pr_to_geo(m30.get(), 1000, n, &la, &lo, 1000, 2000), st);
-    EXPECT_TRUE(nr(la, lat, 1e-9) && nr(lo, 30, 1e-12)) << n;
-  }
   // origin, lat, lon, status, 1 when written (the UTM band's -2 writes)
   const double ps[][5] = {{kTs, 90 - 5e-8, 77, 0, 1}, {kTs, 84, 0, 0, 1}, {kTs, 83, 0, -2, 1}, {kTs, kTs, 0, -2, 1}, {kTs, -1, 0, 17, 1},
     {kTs, -3, 0, -2, 0}, {-kTs, -80, 0, 0, 1}, {-kTs, -79, 0, -2, 1}, {-kTs, 1, 0, 17, 1}, {-kTs, 3, 0, -2, 0}};
@@ -172,14 +166,6 @@ TEST(Core, GeocentricToGeodetic) {
   double la = kU, lo = kU, h = kU;
   EXPECT_EQ(decart_pr_to_geo(P(decart_create(kA, kRf)).get(), 0, 0, 0, &la, &lo, &h), 0);
   EXPECT_TRUE(la == 0 && lo == 0);
-  for (double h0 : {-5000.0, 0.0, 50000.0}) {  // Bowring, refined once
-    for (double lat = -89.99; lat <= 89.99; lat += 4.999) {
-      double X, Y, Z;
-      geocentric(kA, kE2, lat, 123, h0, &X, &Y, &Z);
-      geocentric_to_geodetic(kA, kE2, X, Y, Z, &la, &lo, &h);
-      EXPECT_LT(ground(lat, la - lat, lo - 123, h - h0), 1e-6) << lat << " " << h0;
-    }
-  }
   const double axis[][6] = {{0, 0, 6356757.3142, 90, 0, 5}, {5e-4, -5e-4, -6356752.3142, -90, 0, 0}, {0, 0, 0, 0, 0, -kA},
                 {0, 5000, 0, 0, 90, 5000 - kA}, {0, -5000, 0, 0, -90, 5000 - kA}};
   for (auto& r : axis) {
