@@ -96,14 +96,12 @@ TEST_F(Coord, OneFieldAsText) {
 }
 
 TEST_F(Coord, WholeLines) {
-  const struct { int kind; G v; unsigned long flags; const char *ell, *en, *ru; } rows[] = {
-    {2, {6182000, 413000, 0, 37}, 0, "WGS 84", "6182000.00, 413000.00 (UTM, UTM Zone  37 / WGS 84)", nullptr},
-    {3, {6200000.5, 7400000.25, 150, 0}, 1, "W", "Height 150.00mNorth/South 6200000.50mEast/West 7400000.25m (Gauss-Kruger / W)",
-     "Возвышение 150.00м Север/Юг  6200000.50м Запад/Восток 7400000.25м  (Гаусса-Крюгера / W)"},
-    {3, {1, 2, 150, 0}, 2, "W", "North/South 1.00mEast/West 2.00m (Gauss-Kruger / W)", nullptr},
-    {7, {2, 3, 5, 0}, 1, "W", "Z =5.00mY = 2.00mX =3.00m (Decart coordinate system / W)", nullptr},
-    {6, {-1, -2, 0, 0}, 0, nullptr, "North/South -1.00mEast/West -2.00m (Polar Stereographic)", nullptr},
-    {1, {-33.9, -70.5, -4.25, 0}, 1, "W", "Height -4.25mLatitude 033\xB0 54' 00.00'' S Longitude 070\xB0 30' 00.00'' W (Geographic / W)", nullptr}};
+  const struct { int kind; G v; unsigned long flags; const char *ell, *en; } rows[] = {
+    {2, {6182000, 413000, 0, 37}, 0, "W", "6182000.00, 413000.00 (UTM, UTM Zone  37 / W)"}, {0, {1, 2, 150, 4}, 1, nullptr, "Height 150.00m ()"},
+    {3, {1, 2, 150, 0}, 2, "W", "North/South 1.00mEast/West 2.00m (Gauss-Kruger / W)"},
+    {7, {2, 3, 5, 0}, 1, "W", "Z =5.00mY = 2.00mX =3.00m (Decart coordinate system / W)"},
+    {6, {-1, -2, 0, 0}, 0, nullptr, "North/South -1.00mEast/West -2.00m (Polar Stereographic)"},
+    {1, {-33.9, -70.5, -4.25, 0}, 1, "W", "Height -4.25mLatitude 033\xB0 54' 00.00'' S Longitude 070\xB0 30' 00.00'' W (Geographic / W)"}};
   for (auto& r : rows) {
     CGeoCoord c;
     if (r.kind) c = Make(r.kind, r.v);
@@ -111,11 +109,6 @@ TEST_F(Coord, WholeLines) {
     CString line("previous");
     c.Coord_to_Str(&line, r.flags, r.ell);
     EXPECT_EQ(r.en, Str(line));
-    if (!r.ru) continue;
-    SetThreadUILanguage(LANG_RUSSIAN);
-    c.Coord_to_Str(&line, r.flags, r.ell);
-    EXPECT_EQ(Utf8ToAnsi(r.ru), Str(line));
-    SetThreadUILanguage(LANG_ENGLISH_US);
   }
   Make(2, {1, 2, 3, 4}).Coord_to_Str(nullptr, 1, "WGS 84");  // a null output is ignored
   // The destination line of a conversion, copied as strncpy does. GeographicLib: 37n 413224.138 6179766.954.

@@ -141,9 +141,6 @@ TEST_F(Refsys, NamesAndSummariesInBothLanguages) {
     }
   }
   const struct { int kind; SP p; const char *en, *ru; } rows[] = {
-    {TransverseMercator, {0.9996, 39, 0, 500000, 0}, "Scale factor at central meridian 0.999600, Longitude of central meridian 039\xB0 00' 00.00'' E, "
-     "Latitude of origin of projection 000\xB0 00' 00.00'' N, \nFalse easting 500000, False northing 0, ",
-     nullptr},
     {Mercator, {0, -74.5, 41.258, -20, 1000000}, "Longitude of central meridian 074\xB0 30' 00.00'' W, Latitude of true scale 041\xB0 15' 28.80'' N, "
      "\nFalse easting -20, False northing 1000000, ", nullptr},
     {UTM, {0, 0, 0, -1, 5}, "zone 5", "зона 5"}, {Geographic, {0, 10, 20, 30, 40}, "", ""}, {-1, {}, "", nullptr}};
