@@ -1,5 +1,4 @@
-// CGeoCoord and the coordinate fields of a system: kinds, text read and
-// written, whole lines, labels and entry masks. Russian as UTF-8.
+// CGeoCoord and a system's coordinate fields: text, lines, labels, masks.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -111,7 +110,7 @@ TEST_F(Coord, WholeLines) {
     EXPECT_EQ(r.en, Str(line));
   }
   Make(2, {1, 2, 3, 4}).Coord_to_Str(nullptr, 1, "WGS 84");  // a null output is ignored
-  // The destination line of a conversion, copied as strncpy does. GeographicLib: 37n 413224.138 6179766.954.
+  // A converted line, copied as strncpy does; GeographicLib: 37n 413224.138 6179766.954.
   CGeoTransform t;
   ASSERT_EQ(1, t.SetGeoParam(Geographic, UTM, 3, 3));
   G p{55.7558, 37.6173, 150, 0};

@@ -1,5 +1,4 @@
-// CGeoReferenceData: the record, its names and summaries, the catalogs and
-// the registry.
+// CGeoReferenceData: record, names, catalogs, registry.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -23,7 +22,7 @@ using SP = ScaledProjectionParam;
 bool Zero(const void* p, size_t n) { return n == 0 || (!*static_cast<const char*>(p) && !std::memcmp(p, static_cast<const char*>(p) + 1, n - 1)); }
 std::string Str(const CString& s) { return std::string(s.GetString(), size_t(s.GetLength())); }
 SP* Scaled(R& r) { return static_cast<SP*>(r.GetParam()); }
-// Fills the block of r's kind from a scaled block; the other kinds take its last four fields.
+// The block of r's kind from a scaled one; other kinds take its last four fields.
 void Fill(R& r, const SP& p) {
   ProjectionParam q{p.c_lon, p.lat_origin, p.fe, p.fn};
   if (r.GetProjection() == GaussKruger || r.GetProjection() == TransverseMercator) std::memcpy(r.GetParam(), &p, sizeof p);

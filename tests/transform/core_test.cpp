@@ -204,10 +204,9 @@ TEST(Core, NonFiniteArguments) {
     {FN(tm_pr_to_geo(t, a[0], a[1], o, o + 1, 1000, 2000)), {1000, 2e6}}, {FN(utm_geo_to_pr(u, a[0], a[1], zp, o, o + 1)), {45, 3}},
     {FN(utm_pr_to_geo(u, 31, a[0], a[1], o, o + 1)), {4e5, -5e6}}, {FN(merc_geo_to_pr(m, a[0], a[1], o, o + 1, 1, 2)), {45, 25}},
     {FN(merc_pr_to_geo(m, a[0], a[1], o, o + 1, 1, 2)), {1000, 2e6}}, {FN(ps_geo_to_pr(n, a[0], a[1], o, o + 1, F, F)), {-85, 10}},
-    {FN(ps_pr_to_geo(n, a[0], a[1], o, o + 1, F, F)), {2.3e6, -2.1e6}}, {FN(decart_geo_to_pr(c, a[0], a[1], a[2], o, o + 1, o + 2)), {45, 45, 100}},
-    {FN(decart_pr_to_geo(c, a[0], a[1], a[2], o, o + 1, o + 2)), {4e6, 3e6, 3.5e6}},
+    {FN(ps_pr_to_geo(n, a[0], a[1], o, o + 1, F, F)), {2.3e6, -2.1e6}}, {FN(decart_pr_to_geo(c, a[0], a[1], a[2], o, o + 1, o + 2)), {4e6, 3e6, 3.5e6}},
     {FN(datum_shift_apply(a[0], a[1], a[2], o, o + 1, o + 2, d1)), {45, 179.99, 100}}, {FN(datum_shift_apply(a[0], a[1], a[2], o, o + 1, o + 2, d2)), {89.5, 179.99, 100}}};
-  for (int k = 0; k < 12; ++k) {
+  for (int k = 0; k < 11; ++k) {
     for (size_t i = 0; i < subs[k].second.size(); ++i) {
       for (double v : {double(NAN), double(INFINITY), 1e300, -1e300, 1e-310, 400.0}) {
         std::vector<double> a = subs[k].second, o(3, kU);

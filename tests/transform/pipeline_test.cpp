@@ -1,5 +1,4 @@
-// CGeoTransform: steps, dispatch by kind, zones, ownership of the states,
-// every pair of kinds there and back, set-up from the host's tags.
+// CGeoTransform: steps, zones, states, every pair of kinds, the host's tags.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -31,7 +30,7 @@ void Link(T& t, int src, int dst, int fn = 0, int sd = 3) {
   if (ProjectionParam* b = Block(t.GetReferenceDataDest())) b->fn = fn;
 }
 
-// Private copies of the shipped catalogs: 68 datums, 21 ellipsoids; 3 is WGS 84, 4 Pulkovo 1942.
+// Copies of the shipped catalogs: 3 is WGS 84, 4 Pulkovo 1942.
 class Pipeline : public ::testing::Test {
 protected:
   std::string Read(const char* file, int section, const char* key) const {
@@ -279,7 +278,7 @@ TEST_F(Pipeline, ANewTagDatumIsRegistered) {
   t.SetDatumSourceFromTag(&first);  // new: registered at the first free section
   CGeoReferenceData* r = t.GetReferenceDataSource();
   EXPECT_TRUE(r->GetDatum() == nd + 1 && r->GetEllipsoid() == ne + 1 && r->GetProjection() == UTM && r->m_dGeoInfo[0] == 6378250 && r->m_nDatumValues[0] == 10);
-  // The entries are written before the tag's values are taken: they carry what the system held, in metres.
+  // Entries are written before the tag is taken: what the system held, in metres.
   EXPECT_TRUE(Read("ellips.ini", ne, "EllipsName") == "Test Ellipsoid" && Read("ellips.ini", ne, "ellipsParam_0") == "6378137.000000");
   EXPECT_TRUE(Read("datum.ini", nd, "DatumName") == "Test Datum" && Read("datum.ini", nd, "EllipsoidIndex") == std::to_string(ne + 1));
   t.SetDatumDestFromTag(&first);  // found by name, not appended twice
