@@ -161,13 +161,6 @@ TEST_F(Pipeline, SettersSaveAndLoad) {
   EXPECT_STREQ("Pulkovo 1942", t.GetReferenceDataSource()->szDatumName);
   t.SetReferenceDataDest(&host);
   EXPECT_TRUE(t.GetGeoCoordDest()->GetProjection() == TransverseMercator && t.GetReferenceDataDest()->GetDatum() == 4);
-  t.SetDatumAndPrDest(UTM, 3);
-  Block(t.GetReferenceDataDest())->fn = 37;
-  ASSERT_EQ(1, t.SaveData("Software\\Host\\Pair"));
-  ASSERT_EQ(1, l.LoadData("Software\\Host\\Pair"));
-  EXPECT_TRUE(l.GetGeoCoordSource()->GetProjection() == TransverseMercator && !std::memcmp(&p, l.GetReferenceDataSource()->GetParam(), sizeof p));
-  EXPECT_TRUE(l.GetGeoCoordDest()->GetProjection() == UTM && Block(l.GetReferenceDataDest())->fn == 37);
-  l.FreeGeoParam();
   half.SetDatumAndPrSource(UTM, 3);  // both sides are attempted; one unsaved side fails the pair
   EXPECT_EQ(0, half.SaveData("Software\\Host\\Half"));
   EXPECT_TRUE(t.SetDefault() == 1 && t.GetReferenceDataSource()->GetProjection() == Geographic && t.GetGeoCoordDest()->GetProjection() == Geographic);
