@@ -1,7 +1,6 @@
-// The core against GeographicLib and PROJ, the shipped catalogs against EPSG.
+// The numerical core against GeographicLib and PROJ.
 #include <GeographicLib/TransverseMercatorExact.hpp>
 #include <proj.h>
-#include <sqlite3.h>
 
 #include <gtest/gtest.h>
 
@@ -12,12 +11,9 @@
 #include <string>
 #include <vector>
 
-#include <mapwright/profile.h>
-
 #include "datum_shift.h"
 #include "mercator.h"
 #include "polar_stereo.h"
-#include "testenv.h"
 #include "tm.h"
 
 namespace {
@@ -154,30 +150,6 @@ TEST(Oracle, DatumShift) {
     }
     datum_shift_free(s);
   }
-}
-
-std::string Key(const char* file, int section, const char* key) {
-  char b[256];
-  GetPrivateProfileStringA(("Format " + std::to_string(section)).c_str(), key, "", b, sizeof b, (mwtest::ShippedCatalogDir() + "/" + file).c_str());
-  return b;
-}
-
-TEST(Oracle, ShippedCatalogsAgainstEpsg) {
-  // A sample across the catalog: the report's shift to WGS 84 (EPSG 4326, metres).
-  sqlite3* db = nullptr;
-  sqlite3_stmt* st = nullptr;
-  ASSERT_EQ(SQLITE_OK, sqlite3_open_v2(proj_context_get_database_path(nullptr), &db, SQLITE_OPEN_READONLY, nullptr));
-  ASSERT_EQ(SQLITE_OK, sqlite3_prepare_v2(db, "SELECT tx, ty, tz FROM helmert_transformation WHERE auth_name = 'EPSG' AND code = ? AND target_crs_code = 4326"
-                                              " AND translation_uom_code = 9001", -1, &st, nullptr));
-  for (auto [index, code] : {std::pair{4, 1254}, {5, 1133}, {20, 1228}, {47, 8452}, {68, 1893}}) {
-    sqlite3_bind_int(st, 1, code);
-    ASSERT_EQ(SQLITE_ROW, sqlite3_step(st)) << code;
-    EXPECT_EQ(Key("datum.ini", index - 1, "DatumIndex"), std::to_string(index));
-    for (int k = 0; k < 3; ++k) EXPECT_EQ(std::atof(Key("datum.ini", index - 1, ("datumParam_0_" + std::to_string(k)).c_str()).c_str()), sqlite3_column_double(st, k)) << index;
-    sqlite3_reset(st);
-  }
-  sqlite3_finalize(st);
-  sqlite3_close(db);
 }
 
 }  // namespace
