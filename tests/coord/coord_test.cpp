@@ -56,8 +56,8 @@ TEST_F(Coord, KindsCopiesAndTextIntoAField) {
     {1, "12.5w", 0, true, &G::east, -12.5}, {1, "-12.5 W", 0, true, &G::east, 12.5}, {1, "12.5 S", 0, true, &G::east, 12.5},
     {1, "abc", 0, true, &G::east, 1000}, {1, "55.5 S", 1, true, &G::north, -55.5}, {1, "123.4", 2, false, &G::height, 123.4},
     {1, "1", 3, true, &G::height, 1000}, {1, "055\xB0 45' 20.88'' N", 1, false, &G::north, 55.7558}, {1, "037\xB0 37' 02.28'' W", 0, false, &G::east, -37.6173},
-    {2, "413000.5", 0, false, &G::east, 413000.5}, {2, "6182000", 1, false, &G::north, 6182000}, {2, "150", 3, false, &G::height, 150},
-    {2, "1", 4, false, &G::height, 1000}, {3, "abc", 0, false, &G::east, 0}, {3, "7", 2, false, &G::height, 7}, {3, "7", 3, false, &G::height, 1000},
+    {2, "413000.5", 0, false, &G::east, 413000.5}, {2, "150", 3, false, &G::height, 150},
+    {2, "1", 4, false, &G::height, 1000}, {3, "abc", 0, false, &G::east, 0}, {3, "7", 2, false, &G::height, 7},
     {5, "1", -1, false, &G::east, 1000}};
   for (auto& r : rows) {
     CGeoCoord k = Make(r.kind, {1000, 1000, 1000, 1000});
@@ -78,12 +78,12 @@ TEST_F(Coord, OneFieldAsText) {
     {1, {-0.0, 0, 0, 0}, 1, true, "000.0000000 N"}, {1, {NAN, 0, 0, 0}, 1, true, "        nan S"},
     {1, {0, 1000.5, 0, 0}, 0, true, "1000.5000000 E"},
     {1, {-33.9, 0, 0, 0}, 1, false, "033\xB0 54' 00.00'' S"},
-    // Hundredths round half away from zero, also on an exact binary half (1/128 degree is 28.125'').
+    // Hundredths round half away from zero, also on a binary half (1/128 degree is 28.125'').
     {1, {0, 10.0078125, 0, 0}, 0, false, "010\xB0 00' 28.13'' E"}, {1, {-10.0078125, 0, 0, 0}, 1, false, "010\xB0 00' 28.13'' S"},
     {1, {0, tie, 0, 0}, 0, false, "012\xB0 35' 00.00'' E"}, {1, {0, 0, -12.5, 0}, 2, false, "-12.50"}, {1, {1, 2, 3, 4}, 3, true, ""},
     {1, {1, 2, 3, 4}, -1, false, ""}, {2, {6182000.5, 413000, 10, 37}, 1, false, "6182000.50"},
     {2, {0, 0, 0, -1}, 2, false, "-1"}, {2, {0, 0, 99.994, 37}, 3, false, "99.99"}, {2, {1, 2, 3, 4}, 4, false, ""},
-    {4, {-1234.5, 0, 0, 0}, 1, false, "-1234.50"}, {6, {1, 2, 3, 4}, 3, false, ""}, {7, {0, 0, 5250000, 0}, 2, true, "5250000.00"}};
+    {4, {-1234.5, 0, 0, 0}, 1, false, "-1234.50"}, {7, {0, 0, 5250000, 0}, 2, true, "5250000.00"}};
   for (auto& r : rows) {
     CString t("previous");
     Make(r.kind, r.v).GetCoord(t, r.field, r.dec);
@@ -96,7 +96,7 @@ TEST_F(Coord, OneFieldAsText) {
 
 TEST_F(Coord, WholeLines) {
   const struct { int kind; G v; unsigned long flags; const char *ell, *en; } rows[] = {
-    {2, {6182000, 413000, 0, 37}, 0, "W", "6182000.00, 413000.00 (UTM, UTM Zone  37 / W)"}, {0, {1, 2, 150, 4}, 1, nullptr, "Height 150.00m ()"},
+    {0, {1, 2, 150, 4}, 1, nullptr, "Height 150.00m ()"},
     {3, {1, 2, 150, 0}, 2, "W", "North/South 1.00mEast/West 2.00m (Gauss-Kruger / W)"},
     {7, {2, 3, 5, 0}, 1, "W", "Z =5.00mY = 2.00mX =3.00m (Decart coordinate system / W)"},
     {6, {-1, -2, 0, 0}, 0, nullptr, "North/South -1.00mEast/West -2.00m (Polar Stereographic)"},
@@ -118,7 +118,7 @@ TEST_F(Coord, WholeLines) {
   ASSERT_EQ(1, t.GeoConvert());
   const std::string line = "Height 150.00m6179766.95, 413224.14 (UTM, UTM Zone  37 / WGS 84)";
   const int n = int(line.size());
-  for (auto [len, text] : {std::pair{n + 3, line + std::string(3, '\0')}, {n, line}, {10, line.substr(0, 10)}, {0, ""}, {-5, ""}}) {
+  for (auto [len, text] : {std::pair{n + 3, line + std::string(3, '\0')}, {10, line.substr(0, 10)}, {0, ""}, {-5, ""}}) {
     char b[128];
     std::memset(b, '#', sizeof b);
     t.GetCoordStr(b, len, 1);
@@ -141,8 +141,8 @@ TEST_F(Coord, FieldsLabelsAndMasks) {
     {1, 0, kLon, kDLon, "Longitude ", "Долгота "}, {1, 1, kLat, kDLat, "Latitude ", nullptr}, {1, 2, kNum, kNum, "Height ", nullptr},
     {1, 3, kNo, kNo, "", nullptr}, {2, 0, kNum, kNum, "East/West ", nullptr}, {2, 1, kNum, kNum, "North/South ", "Север/Юг  "},
     {2, 2, kNum, kNum, "UTM Zone ", nullptr}, {2, 3, kNum, kNum, "Height ", nullptr}, {2, 4, kNo, kNo, "", nullptr}, {3, 0, kNum, kNum, "East/West ", nullptr},
-    {3, 3, kNo, kNo, "", ""}, {4, 1, kNum, kNum, "North/South ", nullptr}, {5, 3, kNo, kNo, "", ""}, {6, 2, kNum, kNum, "Height ", nullptr},
-    {7, 0, kNum, kNum, "X =", nullptr}, {7, 1, kNum, kNum, "Y = ", nullptr}, {7, 2, kNum, kNum, "Z =", nullptr}, {7, 3, kNo, kNo, "", ""},
+    {4, 1, kNum, kNum, "North/South ", nullptr},
+    {7, 0, kNum, kNum, "X =", nullptr}, {7, 2, kNum, kNum, "Z =", nullptr}, {7, 3, kNo, kNo, "", ""},
     {2, INT_MIN, kNo, kNo, "", ""}, {2, INT_MAX, kNo, kNo, "", ""}, {0, 0, kNo, kNo, "", ""}, {8, 2, kNo, kNo, "", ""}, {INT_MIN, 1, kNo, kNo, "", ""}};
   for (auto& r : rows) {
     SCOPED_TRACE("kind " + std::to_string(r.kind) + " field " + std::to_string(r.field));

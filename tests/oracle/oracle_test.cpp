@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -37,7 +36,7 @@ double ground(double a, double lat, double dLat, double dLon, double dH = 0) {
   return std::hypot(dLat * kDeg * a, std::remainder(dLon, 360.0) * kDeg * a * std::cos(lat * kDeg), dH);
 }
 
-// Worst forward error against the exact projection and worst round trip, metres.
+// Worst forward error against the exact projection, worst round trip, metres.
 std::pair<double, double> TmErrors(const Fig& f, bool utm, double lat0, double cm, double k0, int fe, int fn, const std::vector<double>& dls, double step) {
   ProjState* s = utm ? utm_create(f.a, f.rf) : tm_create(f.a, f.rf, lat0, cm, k0);
   const GeographicLib::TransverseMercatorExact exact(f.a, 1 / f.rf, k0);
@@ -71,7 +70,7 @@ TEST(Oracle, TransverseMercator) {
   for (double dl = -4; dl <= 4 + 1e-9; dl += 0.2) near.push_back(dl);
   for (const Fig& f : kFigs) {
     for (auto [utm, lat0, cm, k0, fe, fn] : {std::tuple{true, 0.0, 3.0, 0.9996, 500000, 0}, {false, 0.0, 39.0, 1.0, 500000, 0},
-         {false, 0.0, -2.0, 0.9996012717, 400000, -100000}, {false, 49.0, -2.0, 0.9996012717, 400000, -100000}}) {
+         {false, 49.0, -2.0, 0.9996012717, 400000, -100000}}) {
       auto [wf, wr] = TmErrors(f, utm, lat0, cm, k0, fe, fn, near, 0.2);
       EXPECT_LT(wf, lat0 ? 2e-3 : 1e-3) << f.ellps << " " << cm << " " << lat0;
       EXPECT_LT(wr, 1e-3) << f.ellps << " " << cm << " " << lat0;

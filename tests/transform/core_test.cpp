@@ -46,7 +46,6 @@ TEST(Core, HelpersStateAndArea) {
     ProjState s{};
     ASSERT_EQ(projection_state_init(&s, kA, in, 45, 190), 0);
     EXPECT_TRUE(nr(s.e2, e2, 1e-15) && nr(s.e, std::sqrt(e2), 1e-13) && s.a == kA && nr(s.lon0, rad(-170), 1e-15)) << in;
-    EXPECT_TRUE(nr(s.sinLat0, std::sqrt(.5), 3e-16) && nr(s.cosLat0, std::sqrt(.5), 3e-16));
     EXPECT_TRUE(s.latMin == -90 && s.lonMin == -180 && s.latMax == 90 && s.lonMax == 180);
   }
   EXPECT_EQ(projection_state_init(nullptr, kA, kRf, 0, 0), -1);
@@ -54,17 +53,17 @@ TEST(Core, HelpersStateAndArea) {
   P c0(tm_create(kA, kRf, 0, 0, 1)), c170(tm_create(kA, kRf, 0, 170, 1));
   ProjState g{};
   projection_state_init(&g, kA, kRf, 0, 0);
-  const double rows[][4] = {{0, 89.95, 30, 0}, {0, 89.97, 0, 17}, {0, 90.5, 0, -17}, {0, -91, 0, -17}, {0, -89.97, 0, 17},
-    {0, 0, 31.5, 17}, {0, 0, -32, 17}, {0, 0, 33, -17}, {0, 0, -33, -17}, {0, NAN, 0, -17}, {0, 0, 541, -17},
+  const double rows[][4] = {{0, 89.95, 30, 0}, {0, 89.97, 0, 17}, {0, 90.5, 0, -17}, {0, -89.97, 0, 17},
+    {0, 0, 31.5, 17}, {0, 0, -32, 17}, {0, 0, 33, -17}, {0, NAN, 0, -17}, {0, 0, 541, -17},
     {1, 0, -175, 0}, {1, 0, 180, 0}, {1, 0, -180, 0}, {1, 0, -159, 17}, {1, 0, -157, -17}, {1, 0, 139, 17},
     {1, 0, 137, -17}, {1, 0, 0, -17}, {2, 0, 180, 0}, {2, 0, 181, 17}};
   for (auto& r : rows) EXPECT_EQ(check_area(r[0] == 2 ? &g : (r[0] ? c170 : c0).get(), r[1], r[2]), r[3]) << r[0] << ": " << r[1] << "," << r[2];
 }
 
-TEST(Core, UtmZonesTmRefusalAndThe180Meridian) {
+TEST(Core, UtmZonesAndThe180Meridian) {
   P s(utm_create(kA, kRf));
-  const double rows[][3] = {{0, 0, 31}, {0, 5.999, 31}, {0, 6, 32}, {0, -.1, 30}, {0, -180, 1}, {0, -174, 2}, {0, 179.9, 60},
-    {0, 180, 60}, {-1, 3, 31}, {61, 3, 31}, {1, -170, 1}, {60, 170, 60}, {38, 44.9, 38}, {0, -181, 1}};
+  const double rows[][3] = {{0, 5.999, 31}, {0, 6, 32}, {0, -.1, 30}, {0, -180, 1}, {0, 179.9, 60},
+    {0, 180, 60}, {-1, 3, 31}, {61, 3, 31}, {1, -170, 1}, {60, 170, 60}, {0, -181, 1}};
   for (auto& r : rows) {
     long zone = long(r[0]);
     double x = kU, y = kU;
@@ -75,12 +74,6 @@ TEST(Core, UtmZonesTmRefusalAndThe180Meridian) {
   double x = kU, y = kU;
   EXPECT_EQ(utm_geo_to_pr(s.get(), 10, 100, &zone, &x, &y), -2);
   EXPECT_TRUE(zone == 1 && x == kU && y == kU);
-  P t(tm_create(kA, kRf, 0, 0, 1));
-  for (auto [lat, lon, st] : {std::tuple{89.97, 0, 17}, {0, 31, 17}, {92, 0, -2}, {0, 33, -2}}) {
-    x = y = kU;
-    EXPECT_EQ(tm_geo_to_pr(t.get(), lat, lon, &x, &y, 0, 0), st) << lat << "," << lon;
-    EXPECT_EQ(put(x, y), st >= 0);
-  }
   P c170(tm_create(kA, kRf, 0, 170, 0.9996)), c0(tm_create(kA, kRf, 0, 0, 0.9996));
   double e1, n1, e2, n2, la1, lo1, la2, lo2;
   EXPECT_EQ(tm_geo_to_pr(c170.get(), 30, -175, &e1, &n1, 0, 0) + tm_geo_to_pr(c0.get(), 30, 15, &e2, &n2, 0, 0), 0);
@@ -120,7 +113,7 @@ TEST(Core, GeocentricToGeodetic) {
   EXPECT_EQ(decart_pr_to_geo(P(decart_create(kA, kRf)).get(), 0, 0, 0, &la, &lo, &h), 0);
   EXPECT_TRUE(la == 0 && lo == 0);
   const double axis[][6] = {{0, 0, 6356757.3142, 90, 0, 5}, {5e-4, -5e-4, -6356752.3142, -90, 0, 0}, {0, 0, 0, 0, 0, -kA},
-                {0, 5000, 0, 0, 90, 5000 - kA}, {0, -5000, 0, 0, -90, 5000 - kA}};
+                {0, 5000, 0, 0, 90, 5000 - kA}};
   for (auto& r : axis) {
     geocentric_to_geodetic(kA, kE2, r[0], r[1], r[2], &la, &lo, &h);
     EXPECT_TRUE(nr(la, r[3], 1e-12) && lo == r[4] && nr(h, r[5], 1e-3)) << r[0] << "," << r[1] << "," << r[2];
@@ -139,8 +132,7 @@ TEST(Core, DatumShiftMethodsAndClosedForms) {
     {kA, kRf, k0s, kA66, kRf66, k0s, -66}, {kA72 + .005, kRf72 + 5e-7, nullptr, kA - .005, kRf - 5e-8, k0s, 72},
     {kA72 + .02, kRf72, k0s, kA, kRf, k0s, 2}, {kA72, kRf72 - 2e-6, k0s, kA, kRf, k0s, 2}, {kA72, kRf72, kOth, kA, kRf, k0s, 2},
     {kA66, kRf66, k0s, kA, kRf + 2e-7, k0s, 0}, {kKA, kKRf, kPul, kA, kRf, k0s, 2}, {kA, kRf, nullptr, kKA, kKRf, kPul, -2},
-    {kA, kRf, k0s, kA, kRf, kOth, -2}, {kKA, kKRf, kPul, 6378388, 297, kOth, 0}, {kA72, kRf72, k0s, kA66, kRf66, k0s, 0},
-    {kA66, kRf66, k0s, kA72, kRf72, k0s, 0}};
+    {kA, kRf, k0s, kA, kRf, kOth, -2}, {kKA, kKRf, kPul, 6378388, 297, kOth, 0}, {kA72, kRf72, k0s, kA66, kRf66, k0s, 0}};
   for (auto& r : rows) EXPECT_EQ(S(datum_shift_create(r.aF, r.rfF, r.fF, r.aT, r.rfT, r.fT))->ShiftMethod, r.m) << r.aF << " " << r.rfF << " -> " << r.aT << " " << r.rfT;
   S sp(datum_shift_create(6371000, 0, kPul, kA, kRf, kOth));  // rf <= 0 is a sphere
   EXPECT_TRUE(sp->fFrom == 0 && sp->dX == 18 && sp->dY == -125 && sp->dZ == -98);
@@ -155,7 +147,7 @@ TEST(Core, DatumShiftMethodsAndClosedForms) {
   double la = kU, lo, h;  // null outputs are skipped
   EXPECT_EQ(datum_shift_apply(10, 10, 0, &la, nullptr, nullptr, to84.get()) + datum_shift_delta(10, 10, 0, nullptr, nullptr, nullptr, to84.get()), 0);
   EXPECT_NE(la, kU);
-  // 66 -> 84: the translation (4, 3, -7) onto WGS 72, then the closed form; back within micrometres.
+  // 66 -> 84: (4, 3, -7) onto WGS 72, then the closed form; back within micrometres.
   S from66(datum_shift_create(kA66, kRf66, k0s, kA, kRf, k0s)), to66(datum_shift_create(kA, kRf, k0s, kA66, kRf66, k0s));
   for (double lat = -85; lat <= 85; lat += 17) {
     for (double lon = -170; lon < 180; lon += 80) {

@@ -50,7 +50,7 @@ TEST_F(Pipeline, StepsZonesAndHeights) {
   T t;
   EXPECT_EQ(0, t.GeoConvert());  // kinds 0 after construction
   Link(t, Geographic, Geographic);
-  t.GetReferenceDataDest()->m_nDatumValues[4] = 1;  // a value difference alone: no move, the unknown height becomes 0
+  t.GetReferenceDataDest()->m_nDatumValues[4] = 1;  // values differ: no move, the unknown height becomes 0
   ASSERT_EQ(1, t.InitGeoParam());
   G o = Conv(t, {55, 37, -2e6, 99});
   EXPECT_TRUE(std::fabs(o.north - 55) < 1e-13 && std::fabs(o.east - 37) < 1e-13 && std::fabs(o.height) < 1e-9 && o.zone == 0);
@@ -93,7 +93,7 @@ TEST_F(Pipeline, StepsZonesAndHeights) {
   for (int from = Geographic; from <= Cartesian; ++from) {
     for (int to = Geographic; to <= Cartesian; ++to) {
       ASSERT_EQ(1, t.SetGeoParam(from, to, 4, 3));
-      for (double v : {double(NAN), double(INFINITY), -double(INFINITY), 1e300}) {
+      for (double v : {double(NAN), double(INFINITY), 1e300}) {
         o = Conv(t, {v, v, v, 0});  // 1e300 only has to pass the sanitizers
         EXPECT_TRUE(std::isfinite(v) || !std::isfinite(o.north) || !std::isfinite(o.east)) << from << to;
       }
@@ -103,7 +103,7 @@ TEST_F(Pipeline, StepsZonesAndHeights) {
 }
 
 TEST_F(Pipeline, KindsBlocksAndStates) {
-  for (int kind : {Geographic, UTM, Mercator, Cartesian}) {
+  for (int kind : {UTM, Cartesian}) {
     T k;
     EXPECT_EQ(1, k.SetGeoParam(kind, Geographic, 3, 3)) << kind;
     k.GetReferenceDataSource()->m_nProjection = 0;  // a host cleared the kind
@@ -118,8 +118,7 @@ TEST_F(Pipeline, KindsBlocksAndStates) {
   u.GetGeoCoordDest()->SetCoord(&before);
   EXPECT_TRUE(u.GeoConvert() == 0 && !std::memcmp(&before, &Dest(u), sizeof before));
   u.FreeGeoParam();
-  // On the central meridian: easting fe exactly, northing k0 times the
-  // arc; Gauss-Kruger at scale 1 whatever its block holds.
+  // On the meridian x is fe and y k0 times the arc; Gauss-Kruger at scale 1 whatever its block.
   SP blk[2] = {{0.5, 39, 0, 7500000, 0}, {0.9996, 39, 0, 500000, 0}};
   double north[2];
   for (int i = 0; i < 2; ++i) {
@@ -222,7 +221,7 @@ DatumParamTag Datum(const char* datum, const char* ellipsoid, double aKm, double
   return tag;
 }
 
-TEST_F(Pipeline, TagsSelectKindsByEnglishNameInEitherLanguage) {
+TEST_F(Pipeline, TagsSelectKindsByEnglishName) {
   const char* const names[] = {"Geographic", "UTM", "Gauss-Kruger", "Transverse Mercator", "Mercator", "Polar Stereographic"};
   for (LANGID lang : {LANG_ENGLISH_US, LANG_RUSSIAN}) {
     SetThreadUILanguage(lang);
@@ -242,7 +241,7 @@ TEST_F(Pipeline, TagsSelectKindsByEnglishNameInEitherLanguage) {
     }
   }
   SetThreadUILanguage(LANG_ENGLISH_US);
-  for (const char* name : {"Decart coordinate system", "utm", "Transverse Mercator "}) {
+  for (const char* name : {"utm", "Transverse Mercator "}) {
     T t;  // no match: the kind stays, the block is copied by it
     t.SetDatumAndPrSource(Mercator, 3);
     ProjectionParamTag tag = Proj(name, 0.9996, -74, 300000, -20);
