@@ -13,8 +13,8 @@
 
 namespace {
 
+using namespace mwtest;
 using Args = std::vector<std::string>;
-using Pts = std::vector<std::vector<double>>;
 struct Result {
     int status;  // -1 when the child did not exit normally
     std::string out, err;
@@ -22,9 +22,9 @@ struct Result {
 
 // Files rather than pipes: no deadlock whatever the child writes.
 Result Run(const std::string& program, const Args& args, const std::string& input = "") {
-    mwtest::TempDir dir;
+    TempDir dir;
     const std::string in = dir.file("in"), out = dir.file("out"), err = dir.file("err");
-    mwtest::WriteFile(in, input);
+    WriteFile(in, input);
     std::vector<char*> argv = {const_cast<char*>(program.c_str())};
     for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
@@ -38,7 +38,7 @@ Result Run(const std::string& program, const Args& args, const std::string& inpu
     }
     int wait = 0;
     if (pid < 0 || waitpid(pid, &wait, 0) != pid) throw std::runtime_error("fork failed");
-    return {WIFEXITED(wait) ? WEXITSTATUS(wait) : -1, mwtest::ReadFile(out), mwtest::ReadFile(err)};
+    return {WIFEXITED(wait) ? WEXITSTATUS(wait) : -1, ReadFile(out), ReadFile(err)};
 }
 Result Tool(const Args& args, const std::string& input = "") { return Run(MAPWRIGHT_CLI, args, input); }
 
@@ -61,19 +61,17 @@ std::vector<double> Nums(const std::string& line) {
 }
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
-// cct on a PROJ pipeline, points "x y z": each output line's numbers.
-Pts Cct(const std::string& pipeline, const Pts& points) {
+// cct on a PROJ pipeline at one point.
+std::vector<double> Cct(const std::string& pipeline, double x, double y, double z) {
     std::ostringstream in;
     in.precision(17);
-    for (const auto& p : points) in << p[0] << ' ' << p[1] << ' ' << p[2] << " 0\n";
+    in << x << ' ' << y << ' ' << z << " 0\n";
     Args args = {"-d", "12"};
     std::istringstream words(pipeline);
     for (std::string w; words >> w;) args.push_back(w);
     const Result r = Run(MAPWRIGHT_CCT, args, in.str());
-    Pts out;
-    for (const std::string& line : Lines(r.out)) out.push_back(Nums(line));
-    if (r.status != 0 || out.size() != points.size()) throw std::runtime_error("cct failed: " + r.err);
-    return out;
+    if (r.status != 0 || Nums(r.out).size() < 3) throw std::runtime_error("cct failed: " + r.err);
+    return Nums(r.out);
 }
 
 // PROJ's standard Molodensky step from datum f to datum t (ellipsoid, shift to WGS 84).
@@ -98,15 +96,15 @@ double Ground(double lat1, double lon1, double lat2, double lon2) {
 
 class Cli : public ::testing::Test {
 protected:
-    mwtest::IsolatedEnv m_env;
-    std::string Ini() const { return mwtest::ReadFile(m_env.catalogDir() + "/datum.ini"); }
+    IsolatedEnv m_env;
+    std::string Ini() const { return ReadFile(m_env.catalogDir() + "/datum.ini"); }
 };
 
 struct Row {
     const char *sys, *proj;  // proj: PROJ's, less the ellipsoid (and the zone for "utm")
-    Pts pts;                 // latitude, longitude, height
+    std::vector<std::vector<double>> pts;  // latitude, longitude, height
 };
-// Transverse kinds within 4 degrees of their meridian; heights up to 10 km.
+// Transverse kinds within 4 degrees of their meridian.
 const Row kRows[] = {
     {"utm zone=37 north", "utm +zone=37", {{55.7558, 37.6173, 150}, {-33, 41, 0}, {89.5, 39.5, 10}, {-89.5, 38, 0}}},
     {"utm zone=60 south", "utm +zone=60 +south", {{-16.5, -180, 0}, {-16.5, 179.99, 5}, {10, -179.99, 0}, {-85, 177, 0}, {83, 176, 0}}},
@@ -159,7 +157,7 @@ TEST_F(Cli, EveryKindAgreesWithProjAndReadsBack) {
                 }
                 // The library's shift: Molodensky, within a degree of a pole geocentric.
                 const auto e = Cct("+proj=pipeline" + (std::fabs(p[0]) > 89 ? d.exact : d.molodensky) +
-                                       " +step +proj=" + proj + " +ellps=" + d.ellps, {{p[1], p[0], p[2]}})[0];
+                                       " +step +proj=" + proj + " +ellps=" + d.ellps, p[1], p[0], p[2]);
                 const auto got = Nums(line);
                 ASSERT_EQ(3u, got.size()) << line;
                 EXPECT_LE(std::max(std::hypot(got[0] - e[0], got[1] - e[1]), std::fabs(got[2] - e[2])), d.bound)
@@ -179,24 +177,24 @@ TEST_F(Cli, EveryKindAgreesWithProjAndReadsBack) {
         }
 }
 
-TEST_F(Cli, ADatumAddedConvertsAsProjAndOneTheCatalogCannotHoldIsRefused) {
+TEST_F(Cli, AnAddedDatumConvertsAsProjAndBadOnesAreRefused) {
     EXPECT_TRUE(Has(Tool({"datums"}).out, "Pulkovo 1942") && Has(Tool({"ellipsoids"}).out, "6378245         298.3"));
     ASSERT_EQ(0, Tool({"datum", "add", "Test AGD", "--ellipsoid", "Test ANS", "--a", "6378160", "--rf", "298.25",
                        "--dx", "-133", "--dy", "-48", "--dz", "148"}).status);
     const std::string ini = Ini();
     const auto r = Tool({"convert", "--from", "geo datum=\"Test AGD\"", "--to", "geo", "-p", "6"}, "-33.8 151.2 50\n");
     const auto got = Nums(r.out);
-    const auto e = Cct("+proj=pipeline" + Molodensky({6378160, 298.25, -133, -48, 148}, kWgs84), {{151.2, -33.8, 50}})[0];
+    const auto e = Cct("+proj=pipeline" + Molodensky({6378160, 298.25, -133, -48, 148}, kWgs84), 151.2, -33.8, 50);
     ASSERT_EQ(3u, got.size()) << r.err;
     EXPECT_LE(std::max(Ground(got[0], got[1], e[1], e[0]), std::fabs(got[2] - e[2])), 1e-5);  // the print
-    for (const auto& [name, ellipsoid] : {std::pair{"Test AGD", "Test ANS"}, {"X", "Krasovsky"}, {"nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn", "WGS 84"}}) {
-        const auto r = Tool({"datum", "add", name, "--ellipsoid", ellipsoid, "--dx", "1", "--dy", "2", "--dz", "3"});
+    for (const Args& bad : {Args{"Test AGD", "Test ANS"}, {"X", "Krasovsky"}, {std::string(50, 'n'), "WGS 84"}}) {
+        const auto r = Tool({"datum", "add", bad[0], "--ellipsoid", bad[1], "--dx", "1", "--dy", "2", "--dz", "3"});
         EXPECT_EQ(2, r.status) << r.err;
     }
     EXPECT_EQ(ini, Ini());
 }
 
-TEST_F(Cli, SavedSystemsAndPairsAreListedShownAndConvertAsTheirTextBothWays) {
+TEST_F(Cli, SavedSystemsAndPairsListAndConvertAsTheirTextBothWays) {
     const std::string gk = "gk zone=7 datum=4", utm = "utm zone=37 south";
     ASSERT_EQ(0, Tool({"system", "save", "S/gk7", gk}).status + Tool({"system", "save", "S\\utm", utm}).status +
                      Tool({"system", "save", "S/A/ups", "ups south"}).status +
@@ -222,7 +220,7 @@ TEST_F(Cli, SavedSystemsAndPairsAreListedShownAndConvertAsTheirTextBothWays) {
     }
 }
 
-TEST_F(Cli, UsageErrorsAndWrongSystemsExitWithTwoNamingWhatWasExpected) {
+TEST_F(Cli, UsageErrorsExitWithTwoNamingWhatWasExpected) {
     for (const auto& [from, message] : {std::pair{"utm datum=\"Pulkovo 1924\"", "(did you mean \"Pulkovo 1942\"?)"},
                                         {"utn zone=37", "unknown kind \"utn\" (did you mean \"utm\"?); expected geographic,"},
                                         {"utm zone=37 lon0=39", "utm does not take \"lon0=39\"; expected zone=1..60|auto"},
@@ -237,7 +235,7 @@ TEST_F(Cli, UsageErrorsAndWrongSystemsExitWithTwoNamingWhatWasExpected) {
     for (const Args& args : {Args{}, Args{"nonsense"}, Args{"convert", "--from", "geo"}, Args{"--lang", "de", "datums"},
                              Args{"convert", "--from", "geo", "--to", "geo", "--pair", "x"},
                              Args{"convert", "--from", "geo", "--to", "geo", "-p", "11"}})
-        EXPECT_EQ(2, Tool(args).status) << (args.empty() ? "" : args.back());
+        EXPECT_EQ(2, Tool(args).status) << args.size();
     EXPECT_EQ(0u, Tool({"--version"}).out.rfind("mapwright ", 0));
 }
 
@@ -252,7 +250,7 @@ TEST_F(Cli, HelpAndMessagesInTheLanguageAsked) {
     EXPECT_TRUE(Has(en.out, "Subcommands:\n"));
 }
 
-TEST_F(Cli, BadLinesAreReportedByNumberAndMarkedTheRestConverted) {
+TEST_F(Cli, BadLinesAreReportedByNumberTheRestConverted) {
     const std::string input = "\xEF\xBB\xBF# GCP list\n\n55.7558 37.6173 150 GCP-1\n55,7558 37,6173\n"
                               "55 45 20.88 37 37 2.28\n55.75 120\n55 45 20.88 N 37 37 2.28 E\r\n";
     const auto r = Tool({"convert", "--from", "geographic", "--to", "gk zone=7 datum=4", "-p", "2"}, input);
@@ -271,7 +269,7 @@ TEST_F(Cli, BadLinesAreReportedByNumberAndMarkedTheRestConverted) {
 
 TEST_F(Cli, TheLibrarysTextFormatsReadBack) {
     const Args gk = {"convert", "--from", "geographic", "--to", "gk zone=7 datum=4"};
-    // Within half the last printed place, 5e-8 degrees (6 mm) or 0.005'' (0.16 m), and the print of metres.
+    // Half the last printed place, 5e-8 degrees (6 mm) or 0.005'' (0.16 m), and the print of metres.
     for (const auto& [format, start, bound] : {std::tuple{"fields", "055.7", 1e-2}, {"dms", "055\u00b0 45'", 0.2}}) {
         Args a = gk;
         a.insert(a.end(), {"-I", "--format", format});
@@ -283,16 +281,16 @@ TEST_F(Cli, TheLibrarysTextFormatsReadBack) {
     }
 }
 
-TEST_F(Cli, AMissingInputADirectoryOrAnOutputOverAnInputExitsWithTwo) {
-    mwtest::TempDir dir;
+TEST_F(Cli, AnInputThatCannotBeReadOrWouldBeEmptiedExitsWithTwo) {
+    TempDir dir;
     const std::string in = dir.file("a.txt");
-    mwtest::WriteFile(in, "55.7558 37.6173\n");
+    WriteFile(in, "55.7558 37.6173\n");
     for (const std::string& bad : {dir.file("missing.txt"), dir.path()}) {
         const auto r = Tool({"convert", "--from", "geo", "--to", "utm zone=37", in, bad});
         EXPECT_TRUE(r.status == 2 && r.out.empty() && Has(r.err, "mapwright: cannot open " + bad + ": ")) << r.err;
     }
     EXPECT_EQ(2, Tool({"convert", "--from", "geo", "--to", "utm zone=37", in, "-o", in}).status);
-    EXPECT_EQ("55.7558 37.6173\n", mwtest::ReadFile(in));  // opening the output would have emptied it
+    EXPECT_EQ("55.7558 37.6173\n", ReadFile(in));  // opening the output would have emptied it
 }
 
 }  // namespace

@@ -8,13 +8,13 @@ namespace {
 
 using enum mwcli::Problem;
 
+const int G = Geographic, TM = TransverseMercator;
 struct Row {
     const char* line;
     mwcli::Problem problem;
-    int kind = Geographic;
+    int kind = G;
     double north = 55.7558, east = 37.6173;  // 55 45 20.88 N 37 37 2.28 E exactly; or northing, easting
 };
-const int TM = TransverseMercator;
 const Row kRows[] = {
     {"55.7558 37.6173", None},
     {"+55.7558\t37.6173, GCP 1", None},
@@ -28,9 +28,9 @@ const Row kRows[] = {
     {"55\u00ba45\u203220.88\u2033N 37:37:2.28E", None},
     {"55:45:20.88N 37:37:02.28 E", None},
     {"55d45m20.88s N 37d37m2.28s E", None},
-    {"33 55 29.64 S 18 25 26.76 E", None, Geographic, -33.9249, 18.4241},
-    {"-33.9249 S 18.4241", None, Geographic, 33.9249, 18.4241},  // S flips the typed sign, as the library's reader
-    {"55 37 E", None, Geographic, 55, 37},                         // the letter belongs to the longitude
+    {"33 55 29.64 S 18 25 26.76 E", None, G, -33.9249, 18.4241},
+    {"-33.9249 S 18.4241", None, G, 33.9249, 18.4241},  // S flips the typed sign, as the library's reader
+    {"55 37 E", None, G, 55, 37},                         // the letter belongs to the longitude
     {"413380.72 6179118.15 150 GCP-1", None, TM, 6179118.15, 413380.72},
     {"55 45 20.88 37 37 2.28", Leftover},  // else latitude 55, longitude 45, height 20.88
     {"55.7 37.6 100 200", Leftover},
@@ -55,7 +55,7 @@ TEST(PointLine, EveryNotationGivesThePointAndWhatCouldBeMisreadIsRefused) {
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.line);
         EXPECT_EQ(row.problem == None, mwcli::ParsePointLine(row.line, row.kind, mwcli::LayoutOf(row.kind, false), p));
-        EXPECT_EQ(static_cast<int>(row.problem), static_cast<int>(p.problem));
+        EXPECT_EQ(int(row.problem), int(p.problem));
         if (row.problem == None) {  // 1e-9 degrees: the decimals of 20.88'' are exact
             EXPECT_NEAR(row.north, p.point.north, 1e-9);
             EXPECT_NEAR(row.east, p.point.east, 1e-9);
@@ -63,7 +63,7 @@ TEST(PointLine, EveryNotationGivesThePointAndWhatCouldBeMisreadIsRefused) {
     }
     ASSERT_TRUE(mwcli::ParsePointLine("37s 413380 6179118 5 x", UTM, mwcli::LayoutOf(UTM, false), p));
     EXPECT_TRUE(p.south && p.zone == 37 && p.hasHeight && p.point.height == 5 && p.rest == "x");
-    ASSERT_TRUE(mwcli::ParsePointLine("37 37 2.28 E 55 N", Geographic, mwcli::LayoutOf(Geographic, true), p));
+    ASSERT_TRUE(mwcli::ParsePointLine("37 37 2.28 E 55 N", G, mwcli::LayoutOf(G, true), p));
     EXPECT_NEAR(37.6173, p.point.east, 1e-12);  // -w: longitude first
 }
 
