@@ -1,5 +1,4 @@
-// The file control over a dialog's placeholder: layout, show and hide, a report
-// to the parent per change of the path.
+// The file control over a dialog's placeholder.
 #include <gtest/gtest.h>
 #include <mapwright/basalt.h>
 #include <mapwright/basalt_controls.h>
@@ -10,7 +9,6 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// A parent that records what its file control reports.
 class Host : public CWnd {
 public:
     Texts reports;
