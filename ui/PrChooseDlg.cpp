@@ -9,16 +9,15 @@
 #include <mapwright/dialogs.h>
 #include <mapwright/winuser.h>
 
+#include "basalt/basalt_ids.h"
 #include "refsys/catalog.h"
+#include "refsys/kinds.h"
 #include "refsys/numtext.h"
 #include "ui/resource.h"
 
 namespace {
 
 using mw::kEndOfList;
-
-// Basalt's caption for Cancel; this module's table does not hold it.
-constexpr int kCancelCaption = 123;
 
 // The entry masks of the parameter rows. The degree sign is byte 0xB0.
 struct RowMask {
@@ -227,12 +226,12 @@ BOOL CPrChooseDlg::OnInitDialog() {
     m_strDatumCatalog = *m_pRefData->GetDatumFile();
     m_nDatumLast = ListCatalog(m_strDatumCatalog, "DatumName", WriteDefaultDatum, m_listDatum);
 
-    for (int kind = 1; kind <= kOfferedKinds; ++kind) m_listProjection.AddString(GetResourceString(831 + kind));
+    for (int kind = 1; kind <= kOfferedKinds; ++kind) m_listProjection.AddString(GetResourceString(mw::KindDisplayNameId(kind)));
     m_nKindCount = kOfferedKinds;
 
     // A kind outside 1..7 (a host may write any number) names no entry.
     m_nKind = m_pRefData->GetProjection();
-    const CString kindName = m_nKind >= Geographic && m_nKind <= Cartesian ? GetResourceString(831 + m_nKind) : CString();
+    const CString kindName = mw::IsKind(m_nKind) ? GetResourceString(mw::KindDisplayNameId(m_nKind)) : CString();
     CString item;
     for (int i = 0; i < m_nKindCount; ++i) {
         m_listProjection.GetLBText(i, item);
@@ -272,7 +271,8 @@ BOOL CPrChooseDlg::OnInitDialog() {
     SelectEqual(m_listDatum, datumName.c_str());
 
     m_groupParams.SetWindowText(GetResourceString(IDS_PROPERTY_OF_PROJECTION));
-    m_btnCancel.SetWindowText(GetResourceString(kCancelCaption));
+    // Basalt's caption: this module's table does not hold one.
+    m_btnCancel.SetWindowText(GetResourceString(IDS_CANCEL));
 
     m_strPrevProjection = WindowText(m_listProjection);
     m_strPrevEllips = WindowText(m_listEllips);
@@ -287,7 +287,7 @@ BOOL CPrChooseDlg::OnInitDialog() {
 
 int CPrChooseDlg::KindFromName(CString text) {
     for (int kind = 1; kind <= kOfferedKinds; ++kind)
-        if (text == GetResourceString(831 + kind)) return kind;
+        if (text == GetResourceString(mw::KindDisplayNameId(kind))) return kind;
     return 0;
 }
 
@@ -359,40 +359,31 @@ void CPrChooseDlg::ShowRecordParams(int kind) {
     // not have shows nothing.
     const void* block = m_pRefData->GetParam();
     if (!block || kind != m_pRefData->GetProjection()) return;
-    ProjectionParam p{};
-    ScaledProjectionParam sp{};
+    const mw::BlockParams p = mw::ReadBlock(kind, block);
+    // Longitude, latitude, easting and northing from row `first` on.
+    const auto showAngleRows = [&](int first) {
+        RowEdit(first).SetWindowText(Angle(LongitudeDoubleToChar, p.c_lon));
+        RowEdit(first + 1).SetWindowText(Angle(LatitudeDoubleToChar, p.lat_origin));
+        RowEdit(first + 2).SetWindowText(Number("%ld", p.fe));
+        RowEdit(first + 3).SetWindowText(Number("%ld", p.fn));
+    };
     switch (kind) {
         case UTM:
-            std::memcpy(&p, block, sizeof p);
-            m_editParam1.SetWindowText(Number("%ld", p.fn));
-            if (p.fe == 1) m_editParam2.SetWindowText("N");
-            else if (p.fe == -1) m_editParam2.SetWindowText("S");
-            break;
-        case GaussKruger:
-            std::memcpy(&sp, block, sizeof sp);
-            m_editParam1.SetWindowText(Angle(LongitudeDoubleToChar, sp.c_lon));
-            m_editParam2.SetWindowText(Angle(LatitudeDoubleToChar, sp.lat_origin));
-            m_editParam3.SetWindowText(Number("%ld", sp.fe));
-            m_editParam4.SetWindowText(Number("%ld", sp.fn));
+            m_editParam1.SetWindowText(Number("%ld", p.UtmZone()));
+            if (p.UtmHemisphere() == 1) m_editParam2.SetWindowText("N");
+            else if (p.UtmSouth()) m_editParam2.SetWindowText("S");
             break;
         case TransverseMercator: {
-            std::memcpy(&sp, block, sizeof sp);
             CString scale;
-            scale.Format("%lf", sp.scale);
+            scale.Format("%lf", p.scale);
             m_editParam1.SetWindowText(scale);
-            m_editParam2.SetWindowText(Angle(LongitudeDoubleToChar, sp.c_lon));
-            m_editParam3.SetWindowText(Angle(LatitudeDoubleToChar, sp.lat_origin));
-            m_editParam4.SetWindowText(Number("%ld", sp.fe));
-            m_editParam5.SetWindowText(Number("%ld", sp.fn));
+            showAngleRows(1);
             break;
         }
+        case GaussKruger:
         case Mercator:
         case PolarStereographic:
-            std::memcpy(&p, block, sizeof p);
-            m_editParam1.SetWindowText(Angle(LongitudeDoubleToChar, p.c_lon));
-            m_editParam2.SetWindowText(Angle(LatitudeDoubleToChar, p.lat_origin));
-            m_editParam3.SetWindowText(Number("%ld", p.fe));
-            m_editParam4.SetWindowText(Number("%ld", p.fn));
+            showAngleRows(0);
             break;
         default:
             break;
@@ -475,28 +466,13 @@ void CPrChooseDlg::OnOK() {
 }
 
 void CPrChooseDlg::StoreParamBlock(double scale, double lon, double lat, int fe, int fn) {
-    switch (m_nKind) {
-        case GaussKruger:
-        case TransverseMercator: {
-            ScaledProjectionParam block{scale, lon, lat, fe, fn};
-            m_pRefData->SetParam(&block);
-            break;
-        }
-        case Mercator:
-        case PolarStereographic: {
-            ProjectionParam block{lon, lat, fe, fn};
-            m_pRefData->SetParam(&block);
-            break;
-        }
-        case UTM: {
-            // Only the hemisphere flag and the zone come from the dialog.
-            ProjectionParam block{0.0, 0.0, fe, fn};
-            m_pRefData->SetParam(&block);
-            break;
-        }
-        default:
-            break;
-    }
+    if (!mw::TakesParams(m_nKind)) return;
+    // UTM: only the hemisphere flag and the zone come from the dialog.
+    const mw::BlockParams p = m_nKind == UTM ? mw::BlockParams{1.0, 0.0, 0.0, fe, fn}
+                                             : mw::BlockParams{scale, lon, lat, fe, fn};
+    unsigned char block[sizeof(ScaledProjectionParam)];
+    mw::WriteBlock(m_nKind, p, block);
+    m_pRefData->SetParam(block);
 }
 
 int ModalPrChooseDlg(CWnd* parent, CGeoReferenceData* record, ProjectionParamTag* tag) {
