@@ -340,11 +340,11 @@ void CPrChooseDlg::OnProjectionChanged() {
 void CPrChooseDlg::ApplyRows(int kind) {
     if (kind < 1 || kind > kOfferedKinds) return;
     for (int row = 0; row < 5; ++row) {
-        const Row& spec = kRows[kind][row];
-        RowLabel(row).SetWindowText(spec.label ? GetResourceString(spec.label) : CString());
-        if (spec.mask && MaskedRow(row)) MaskedRow(row)->SetMask(spec.mask->mask, spec.mask->literal, spec.mask->valid);
-        RowEdit(row).ShowWindow(spec.label ? SW_SHOW : SW_HIDE);
-        if (spec.label) RowEdit(row).SetWindowText(spec.text);
+        const Row& shape = kRows[kind][row];
+        RowLabel(row).SetWindowText(shape.label ? GetResourceString(shape.label) : CString());
+        if (shape.mask && MaskedRow(row)) MaskedRow(row)->SetMask(shape.mask->mask, shape.mask->literal, shape.mask->valid);
+        RowEdit(row).ShowWindow(shape.label ? SW_SHOW : SW_HIDE);
+        if (shape.label) RowEdit(row).SetWindowText(shape.text);
     }
     if (kind == UTM && m_pParamTag) {
         const int32_t zone = m_pParamTag->fn;
