@@ -17,7 +17,7 @@
 // Faults interposed on the library's calls (exported: the build hides symbols).
 #define INTERPOSE extern "C" __attribute__((visibility("default")))
 namespace {
-enum class Fault { None, CrashAtRename, FailFsync, ReadEintr, ReadEio, WriteEintr };
+enum class Fault { None, CrashAtRename, FailFsync, ReadEintr, ReadEio, WriteEintr, DirFlock };
 std::atomic<Fault> g_fault{Fault::None};
 template <typename F>
 F Next(const char* name) { return reinterpret_cast<F>(dlsym(RTLD_NEXT, name)); }
@@ -26,6 +26,12 @@ F Next(const char* name) { return reinterpret_cast<F>(dlsym(RTLD_NEXT, name)); }
 INTERPOSE int renameat(int od, const char* op, int nd, const char* np) noexcept {
     if (g_fault == Fault::CrashAtRename) _exit(86);
     return Next<int (*)(int, const char*, int, const char*)>("renameat")(od, op, nd, np);
+}
+// As some network file systems do: no flock() on a directory.
+INTERPOSE int flock(int fd, int op) noexcept {
+    struct stat st;
+    if (g_fault == Fault::DirFlock && fstat(fd, &st) == 0 && S_ISDIR(st.st_mode)) return errno = ENOLCK, -1;
+    return Next<int (*)(int, int)>("flock")(fd, op);
 }
 INTERPOSE int fsync(int fd) { return g_fault == Fault::FailFsync ? errno = EIO, -1 : Next<int (*)(int)>("fsync")(fd); }
 // One interrupted or failed call, then the real thing.
@@ -190,8 +196,10 @@ TEST_F(Profile, FailedAndInterruptedCalls) {
     EXPECT_EQ(g_fault, Fault::None);
     g_fault = Fault::ReadEio;
     EXPECT_FALSE(Put(file, "S", "K", "3"));
+    g_fault = Fault::DirFlock;  // a lock file stands in for the directory's lock
+    EXPECT_TRUE(Put(file, "S", "K", "4"));
     g_fault = Fault::None;
-    EXPECT_EQ(ReadFile(file), "[S]\nK=2\n");
+    EXPECT_EQ(ReadFile(file) + std::to_string(Entries(dir.path()).size()), "[S]\nK=4\n2");
 }
 
 // Writer processes append sections at once, under the directory lock; none is lost.

@@ -283,7 +283,8 @@ TEST_F(Refsys, PersistenceInTheRegistry) {
     R r;
     r.SetProjection(Mercator);
     r.LoadData("Software\\Test\\Nothing here");  // no key: Geographic on WGS 84
-    EXPECT_TRUE(r.GetProjection() == Geographic && r.GetDatum() == 3);
+    const ProjectionParam zero{};
+    EXPECT_TRUE(r.GetProjection() == Geographic && r.GetDatum() == 3 && !std::memcmp(&zero, r.GetParam(), sizeof zero));
     const char* p = "Software\\Test\\Odd";
     Store(p, "ProjectionIndex", "5");
     Store(p, "DatumIndex", "");                // empty: 3

@@ -160,6 +160,11 @@ TEST(Core, DatumShiftMethodsAndClosedForms) {
             EXPECT_LT(ground(lat, b[0] - lat, b[1] - lon, b[2] - 300), 1e-5) << lat << "," << lon;
         }
     }
+    S pul(datum_shift_create(kKA, kKRf, kPul, kA, kRf, k0s));  // Molodensky to 89 degrees inclusive, exact beyond
+    double s[3][3];
+    for (int i = 0; i < 3; ++i) ASSERT_EQ(datum_shift_delta(89 + (i - 1) * 1e-9, 10, 0, &s[i][0], &s[i][1], &s[i][2], pul.get()), 0);
+    EXPECT_LT(ground(89, s[1][0] - s[0][0], s[1][1] - s[0][1], s[1][2] - s[0][2]), 1e-6);
+    EXPECT_GT(ground(89, s[2][0] - s[1][0], s[2][1] - s[1][1], s[2][2] - s[1][2]), 1e-3);
     S axis(datum_shift_create(kA, kRf, k0s, kKA, kKRf, k0s));  // on the axis: +-90 and h + b_from - b_to
     for (double pole : {90.0, -90.0}) {
         ASSERT_EQ(datum_shift_apply(pole, 0, 10, &la, &lo, &h, axis.get()), 0);
