@@ -75,7 +75,7 @@ TEST(ComboBox, SortingSelectionAndSearch) {
     box.SetWindowText("Other");  // a list has no edit field
     EXPECT_EQ(TextOf(box), "B");
     const int R = CB_ERR;
-    for (const auto& [after, text, prefix, exact] : {std::tuple{1, "b", 2, 2}, {5, "a", 0, 0}, {-1, "\xFF", 6, 6}}) {
+    for (const auto& [after, text, prefix, exact] : {std::tuple{1, "b", 2, 2}, {5, "a", 0, 0}, {-1, "\xFF", 6, 6}, {-1, "UTMs", R, R}}) {
         EXPECT_EQ(box.FindString(after, text), prefix) << after << text;
         EXPECT_EQ(box.FindStringExact(after, text), exact) << after << text;
     }
