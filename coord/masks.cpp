@@ -5,24 +5,18 @@
 #include <mapwright/GeoReferenceData.h>
 #include <mapwright/basalt_controls.h>
 
+#include "coord/entry_masks.h"
 #include "refsys/kinds.h"
 #include "refsys/string_ids.h"
 
+using mw::EntryMask;
+using mw::kDecimalLatitude;
+using mw::kDecimalLongitude;
+using mw::kDmsLatitude;
+using mw::kDmsLongitude;
+using mw::kNumber;
+
 namespace {
-
-struct EntryMask {
-    const char* mask;
-    const char* literal;
-    const char* valid;
-};
-
-// "000° 00' 00.00'' N": the degree sign is the Windows-1251 byte 0xB0.
-constexpr EntryMask kDmsLongitude{"900__90__90_00___$", "___\xB0 __' __.__'' _", "WEwe"};
-constexpr EntryMask kDmsLatitude{"900__90__90_00___$", "___\xB0 __' __.__'' _", "NSns"};
-// "039.0000000 N", as the decimal-degrees text is written.
-constexpr EntryMask kDecimalLongitude{"900_9000000_$", "___._________", "WEwe"};
-constexpr EntryMask kDecimalLatitude{"900_9000000_$", "___._________", "NSns"};
-constexpr EntryMask kNumber{"%%%%%%%%%%%%%%", "______________", ""};
 
 // The label string of each field, by kind; 0 ends a kind's fields.
 constexpr unsigned kLabels[8][4] = {

@@ -10,6 +10,7 @@
 #include <mapwright/winuser.h>
 
 #include "basalt/basalt_ids.h"
+#include "coord/entry_masks.h"
 #include "refsys/catalog.h"
 #include "refsys/kinds.h"
 #include "refsys/numtext.h"
@@ -19,17 +20,7 @@ namespace {
 
 using mw::kEndOfList;
 
-// The entry masks of the parameter rows. The degree sign is byte 0xB0.
-struct RowMask {
-    const char* mask;
-    const char* literal;
-    const char* valid;
-};
-constexpr RowMask kNumberMask{"%%%%%%%%%%%%%%", "______________", ""};
-constexpr RowMask kLongitudeMask{"900__90__90_00___$", "___\xB0 __' __.__'' _", "WEwe"};
-constexpr RowMask kLatitudeMask{"900__90__90_00___$", "___\xB0 __' __.__'' _", "NSns"};
-constexpr RowMask kHemisphereMask{"$", "_", "NSns"};
-
+// The default texts of the angle rows. The degree sign is byte 0xB0.
 constexpr const char* kEast = "000\xB0 00' 00.00'' E";
 constexpr const char* kNorth = "000\xB0 00' 00.00'' N";
 
@@ -37,7 +28,7 @@ constexpr const char* kNorth = "000\xB0 00' 00.00'' N";
 // (null: the row's mask is left as it is) and the text it starts with.
 struct Row {
     UINT label;
-    const RowMask* mask;
+    const mw::EntryMask* mask;
     const char* text;
 };
 constexpr Row kHidden{0, nullptr, nullptr};
@@ -46,25 +37,25 @@ constexpr Row kHidden{0, nullptr, nullptr};
 constexpr Row kRows[7][5] = {
     {},
     {kHidden, kHidden, kHidden, kHidden, kHidden},
-    {{IDS_UTM_ZONE, &kNumberMask, "1"}, {IDS_NORTH_OR_SOUTH, &kHemisphereMask, "N"}, kHidden, kHidden, kHidden},
-    {{IDS_CENTRAL_MERIDIAN, &kLongitudeMask, kEast},
-     {IDS_LATITUDE_OF_ORIGIN, &kLatitudeMask, kNorth},
-     {IDS_FALSE_EASTING, &kNumberMask, "0"},
+    {{IDS_UTM_ZONE, &mw::kNumber, "1"}, {IDS_NORTH_OR_SOUTH, &mw::kHemisphere, "N"}, kHidden, kHidden, kHidden},
+    {{IDS_CENTRAL_MERIDIAN, &mw::kDmsLongitude, kEast},
+     {IDS_LATITUDE_OF_ORIGIN, &mw::kDmsLatitude, kNorth},
+     {IDS_FALSE_EASTING, &mw::kNumber, "0"},
      {IDS_FALSE_NORTHING, nullptr, "0"},
      kHidden},
-    {{IDS_SCALE_FACTOR, &kNumberMask, "1"},
-     {IDS_CENTRAL_MERIDIAN, &kLongitudeMask, kEast},
-     {IDS_LATITUDE_OF_ORIGIN, &kLatitudeMask, kNorth},
+    {{IDS_SCALE_FACTOR, &mw::kNumber, "1"},
+     {IDS_CENTRAL_MERIDIAN, &mw::kDmsLongitude, kEast},
+     {IDS_LATITUDE_OF_ORIGIN, &mw::kDmsLatitude, kNorth},
      {IDS_FALSE_EASTING, nullptr, "0"},
      {IDS_FALSE_NORTHING, nullptr, "0"}},
-    {{IDS_CENTRAL_MERIDIAN, &kLongitudeMask, kEast},
-     {IDS_LATITUDE_OF_TRUE_SCALE, &kLatitudeMask, kNorth},
-     {IDS_FALSE_EASTING, &kNumberMask, "0"},
+    {{IDS_CENTRAL_MERIDIAN, &mw::kDmsLongitude, kEast},
+     {IDS_LATITUDE_OF_TRUE_SCALE, &mw::kDmsLatitude, kNorth},
+     {IDS_FALSE_EASTING, &mw::kNumber, "0"},
      {IDS_FALSE_NORTHING, nullptr, "0"},
      kHidden},
-    {{IDS_LONGITUDE_BELOW_POLE, &kLongitudeMask, kEast},
-     {IDS_LATITUDE_OF_TRUE_SCALE, &kLatitudeMask, kNorth},
-     {IDS_FALSE_EASTING, &kNumberMask, "0"},
+    {{IDS_LONGITUDE_BELOW_POLE, &mw::kDmsLongitude, kEast},
+     {IDS_LATITUDE_OF_TRUE_SCALE, &mw::kDmsLatitude, kNorth},
+     {IDS_FALSE_EASTING, &mw::kNumber, "0"},
      {IDS_FALSE_NORTHING, nullptr, "0"},
      kHidden},
 };
