@@ -1,7 +1,8 @@
 // The profile (INI file) functions: a reader and a writer with the behaviour of
-// the Windows ones. Every read parses the file afresh (catalogs are small and
-// another process may have rewritten them); every write rewrites the whole
-// file through a temporary file and a rename, under a directory lock.
+// the Windows ones. A read sees the file as it is now (another process may
+// have rewritten it); a parsed file is reused only while it is provably
+// unchanged. Every write rewrites the whole file through a temporary file and
+// a rename, under a directory lock.
 #include <mapwright/profile.h>
 
 #include <errno.h>
@@ -14,6 +15,10 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <ctime>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -216,15 +221,63 @@ std::string NormalisePath(const char* file) {
     return p;
 }
 
-// The text of a profile file; false when it is missing, unreadable or not a
-// regular file, which reads as a file with no sections.
-bool LoadForReading(const char* file, std::string& text) {
-    if (!file) return false;
+// A profile file read and split into lines (the lines view the text).
+struct Parsed {
+    std::string text;
+    std::vector<Line> lines;
+};
+
+// What tells a file apart from its earlier contents: an atomic rewrite gives a
+// new inode, an in-place one a new size or new times.
+struct Identity {
+    dev_t dev;
+    ino_t ino;
+    off_t size;
+    timespec mtime, ctime;
+    bool operator==(const Identity& o) const {
+        return dev == o.dev && ino == o.ino && size == o.size && mtime.tv_sec == o.mtime.tv_sec &&
+               mtime.tv_nsec == o.mtime.tv_nsec && ctime.tv_sec == o.ctime.tv_sec && ctime.tv_nsec == o.ctime.tv_nsec;
+    }
+};
+
+// Setting up one conversion reads the catalogs thousands of times; parsing
+// each time cost the tool a third of a second per run. A file changed within
+// the last second is not kept: a second change inside the file system's
+// timestamp granularity could leave its identity as it was.
+std::mutex g_cacheLock;
+std::map<std::string, std::pair<Identity, std::shared_ptr<const Parsed>>> g_cache;
+constexpr size_t kCachedFiles = 16;
+
+bool Settled(const timespec& t, const timespec& now) {
+    return t.tv_sec + 1 < now.tv_sec || (t.tv_sec + 1 == now.tv_sec && t.tv_nsec < now.tv_nsec);
+}
+
+// The file parsed; null when it is missing, unreadable or not a regular file,
+// which reads as a file with no sections.
+std::shared_ptr<const Parsed> LoadForReading(const char* file) {
+    if (!file) return nullptr;
     std::string path = NormalisePath(file);
-    if (path.empty()) return false;
+    if (path.empty()) return nullptr;
     struct stat st;
     Fd fd(OpenRegular(AT_FDCWD, path.c_str(), st));
-    return fd.ok() && ReadAll(fd.get(), text);
+    if (!fd.ok()) return nullptr;
+    const Identity id{st.st_dev, st.st_ino, st.st_size, st.st_mtim, st.st_ctim};
+    {
+        std::lock_guard<std::mutex> guard(g_cacheLock);
+        auto hit = g_cache.find(path);
+        if (hit != g_cache.end() && hit->second.first == id) return hit->second.second;
+    }
+    auto parsed = std::make_shared<Parsed>();
+    if (!ReadAll(fd.get(), parsed->text)) return nullptr;
+    parsed->lines = SplitLines(parsed->text);
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    if (Settled(st.st_mtim, now) && Settled(st.st_ctim, now)) {
+        std::lock_guard<std::mutex> guard(g_cacheLock);
+        if (g_cache.size() >= kCachedFiles) g_cache.clear();
+        g_cache[path] = {id, parsed};
+    }
+    return parsed;
 }
 
 // ---------------------------------------------------------------- the edit
@@ -382,9 +435,9 @@ DWORD GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultText, L
                                LPCSTR file) {
     if (!buffer || size == 0) return 0;
     try {
-        std::string text;
-        const bool loaded = LoadForReading(file, text);
-        const std::vector<Line> lines = loaded ? SplitLines(text) : std::vector<Line>{};
+        static const std::vector<Line> kNoLines;
+        const std::shared_ptr<const Parsed> parsed = LoadForReading(file);
+        const std::vector<Line>& lines = parsed ? parsed->lines : kNoLines;
         if (!section) return CopyList(DistinctNames(lines, 0, lines.size(), LineKind::Section), buffer, size);
         const size_t header = FindSection(lines, Trim(section));
         const bool haveSection = header < lines.size();

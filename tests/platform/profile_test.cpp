@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <dlfcn.h>
 #include <errno.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -182,6 +183,22 @@ TEST_F(Profile, CrashBeforeRenameLeavesOldFileWhole) {
     ASSERT_TRUE(Put(file, "G", "N", "2"));  // the next writer clears the leftover
     EXPECT_EQ(ReadFile(file), "[F]\n[G]\r\nN=2\r\n");
     EXPECT_EQ(Entries(dir.path()), Names{"a.ini"});
+}
+
+// A parsed file is reused only while unchanged: an in-place rewrite of the
+// same size with its old modification time put back is still seen.
+TEST_F(Profile, ReadsSeeTheFileAsItIsNow) {
+    WriteFile(file, "[S]\nK=1\n");
+    struct stat old;
+    ASSERT_EQ(0, stat(file.c_str(), &old));
+    usleep(1100000);  // old enough to be kept
+    EXPECT_EQ(Get(file, "S", "K") + Get(file, "S", "K"), "11");
+    WriteFile(file, "[S]\nK=2\n");
+    const timespec times[2] = {old.st_atim, old.st_mtim};
+    ASSERT_EQ(0, utimensat(AT_FDCWD, file.c_str(), times, 0));
+    EXPECT_EQ(Get(file, "S", "K"), "2");
+    ASSERT_TRUE(Put(file, "S", "K", "3"));
+    EXPECT_EQ(Get(file, "S", "K"), "3");
 }
 
 TEST_F(Profile, FailedAndInterruptedCalls) {
