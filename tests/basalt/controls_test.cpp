@@ -95,5 +95,7 @@ TEST(ListFrame, CellsKeepTheirTextAndMask) {
     EXPECT_TRUE(list.TypeChar(0, 1, 0, 'x') && !list.TypeChar(0, 1, 2, 'z'));  // no mask
     EXPECT_TRUE(list.DeleteItem(1) && !list.DeleteItem(2) && list.DeleteAllItems());
     EXPECT_EQ(list.GetItemCount(), 0);
+    EXPECT_EQ(list.InsertColumn(3, "Note"), 3);  // four headings fill their storage: one more is past its end
+    EXPECT_EQ(list.GetColumnHeading(4), "");
 }
 }  // namespace
