@@ -216,10 +216,19 @@ struct Converter {
             zone = source.fn;
             south = source.UtmSouth();
         }
-        if (!pipeline.Convert(parsed.point, zone, south))
-            return Report(file, number,
-                          Tr("the destination system refuses the point (outside the area of its projection)",
-                             "конечная система отвергает точку (вне области определения её проекции)"));
+        switch (pipeline.Convert(parsed.point, zone, south)) {
+            case Pipeline::Outcome::Converted: break;
+            case Pipeline::Outcome::SourceOutside:
+                return Report(file, number,
+                              Tr("the point is outside the area of the source system's projection "
+                                 "(it does not convert back to itself)",
+                                 "точка вне области определения проекции исходной системы "
+                                 "(обратное преобразование не возвращает её)"));
+            case Pipeline::Outcome::DestOutside:
+                return Report(file, number,
+                              Tr("the destination system refuses the point (outside the area of its projection)",
+                                 "конечная система отвергает точку (вне области определения её проекции)"));
+        }
         const GeoCoordTag& r = pipeline.Result();
         if (destZoneChosen && format != Format::Line) {
             out.PutFixed(r.zone, 0);
@@ -362,7 +371,9 @@ Output (--format):
 A UTM destination without a zone starts each line with the zone chosen, as
 in 37n. fields and dms separate the fields with a tab.
 
-A line that cannot be read, or a point the destination refuses, is reported
+A line that cannot be read, a point the destination refuses, or a point that
+does not come back within a metre when a projected step is taken the other
+way (far from a projection's centre its formulas are wrong) is reported
 on standard error with its line number, and its output line is * for each
 column so that the lines stay aligned; the rest is still converted and the
 exit status is 1. More than 100000 lines show a progress line when standard
@@ -393,8 +404,10 @@ error is a terminal.)",
 Для UTM без зоны строка начинается с выбранной зоны, например 37n. fields и
 dms разделяют поля табуляцией.
 
-Строка, которую нельзя прочитать, или точка, которую конечная система
-отвергает, сообщается в стандартный поток ошибок с номером строки, а на её
+Строка, которую нельзя прочитать, точка, которую конечная система
+отвергает, или точка, которая не возвращается с точностью до метра при
+обратном шаге проекции (вдали от центра проекции её формулы неверны),
+сообщается в стандартный поток ошибок с номером строки, а на её
 месте выводится * для каждого столбца; остальное преобразуется, код выхода 1.
 Больше 100000 строк показывают строку хода работы, если поток ошибок —
 терминал.)");

@@ -14,6 +14,13 @@ constexpr double kUtmSouthFalseNorthing = 10000000.0;
 // positive and the library's hemisphere mark -abs(y + offset) loses nothing.
 constexpr int32_t kPolarOffset = 100000000;
 constexpr double kDegree = 3.14159265358979323846 / 180.0;
+// How far a point may move there and back. The formulas agree with exact
+// ones to a millimetre near their centre; a metre is where they stop
+// meaning anything (Transverse Mercator some 14 degrees from its meridian).
+constexpr double kRoundTripMetres = 1.0;
+constexpr double kMetresPerDegree = 6371000.0 * kDegree;
+
+bool Projected(int kind) { return kind != Geographic && kind != Cartesian; }
 
 // The false origin of a block (for UTM: hemisphere flag and zone), which
 // the library reads at every conversion.
@@ -66,7 +73,7 @@ bool GeocentricToGeodetic(double a, double e2, double X, double Y, double Z, dou
     return std::isfinite(lat) && std::isfinite(lon) && std::isfinite(h);
 }
 
-Pipeline::Pipeline(const SystemDef& source, const SystemDef& dest) : m_source(source), m_dest(dest) {
+Pipeline::Pipeline(const SystemDef& source, const SystemDef& dest, bool checked) : m_source(source), m_dest(dest) {
     // Geocentric input becomes geographic on its datum before the library sees it.
     SystemDef from = source;
     if (source.kind == Cartesian) from.kind = Geographic;
@@ -91,6 +98,16 @@ Pipeline::Pipeline(const SystemDef& source, const SystemDef& dest) : m_source(so
         m_second->SetReferenceDataDest(&dst);
         m_second->InitGeoParam();
     }
+    if (!checked) return;
+    SystemDef onSourceDatum, onDestDatum;
+    onSourceDatum.kind = onDestDatum.kind = Geographic;
+    onSourceDatum.datum = source.datum;
+    onDestDatum.datum = dest.datum;
+    if (Projected(source.kind)) {
+        m_sourceInverse.reset(new Pipeline(source, onSourceDatum, false));
+        m_sourceBack.reset(new Pipeline(onSourceDatum, source, false));
+    }
+    if (Projected(dest.kind)) m_destBack.reset(new Pipeline(dest, onDestDatum, false));
 }
 
 Pipeline::~Pipeline() {
@@ -98,9 +115,30 @@ Pipeline::~Pipeline() {
     if (m_second) m_second->FreeGeoParam();
 }
 
-bool Pipeline::Convert(const GeoCoordTag& point, int zone, bool south) {
+Pipeline::Outcome Pipeline::Convert(const GeoCoordTag& point, int zone, bool south) {
     double lat, lon, h;
-    return ToGeographic(point, zone, south, lat, lon, h) && FromGeographic(lat, lon, h);
+    if (!ToGeographic(point, zone, south, lat, lon, h)) return Outcome::SourceOutside;
+    if (m_sourceBack) {
+        // On the source datum: the datum shift is not exactly invertible, and
+        // near a pole Mercator would magnify its centimetres into metres.
+        const GeoCoordTag& g = m_sourceInverse->m_result;
+        const GeoCoordTag& b = m_sourceBack->m_result;
+        m_sourceBack->m_forcedZone = zone;
+        m_sourceBack->m_forcedSouth = south;
+        if (m_sourceInverse->Convert(point, zone, south) != Outcome::Converted ||
+            m_sourceBack->Convert(g, 0, false) != Outcome::Converted ||
+            !(std::hypot(b.north - point.north, b.east - point.east) <= kRoundTripMetres))
+            return Outcome::SourceOutside;
+    }
+    if (!FromGeographic(lat, lon, h)) return Outcome::DestOutside;
+    if (m_destBack) {
+        const GeoCoordTag& b = m_destBack->m_result;
+        if (m_destBack->Convert(m_result, m_result.zone, m_resultSouth) != Outcome::Converted ||
+            !(std::hypot(b.north - lat, WrapLongitude(b.east - lon) * std::cos(lat * kDegree)) * kMetresPerDegree <=
+              kRoundTripMetres))
+            return Outcome::DestOutside;
+    }
+    return Outcome::Converted;
 }
 
 bool Pipeline::ToGeographic(GeoCoordTag p, int zone, bool south, double& lat, double& lon, double& h) {
@@ -145,7 +183,7 @@ bool Pipeline::FromGeographic(double lat, double lon, double h) {
     if (m_dest.kind == UTM) {
         // The library takes the longitude relative to the zone's meridian
         // without wrapping it: -180 is 3 degrees from zone 60's.
-        const int zone = m_dest.UtmZoneFixed() ? m_dest.fn : UtmZoneOf(lon);
+        const int zone = m_forcedZone ? m_forcedZone : m_dest.UtmZoneFixed() ? m_dest.fn : UtmZoneOf(lon);
         const double meridian = 6.0 * zone - 183.0;
         g.east = meridian + WrapLongitude(lon - meridian);
         SetFalseOrigin(UTM, block, 1, zone);
@@ -164,7 +202,7 @@ bool Pipeline::FromGeographic(double lat, double lon, double h) {
         // equator, except within a hair of it where the series may say 0+.
         double y = r.north;
         if (lat < 0 && !(std::fabs(lat) < 0.01 && r.north < 5000000.0)) y -= kUtmSouthFalseNorthing;
-        m_resultSouth = m_dest.UtmZoneFixed() ? m_dest.UtmSouth() : lat < 0;
+        m_resultSouth = m_forcedZone ? m_forcedSouth : m_dest.UtmZoneFixed() ? m_dest.UtmSouth() : lat < 0;
         r.north = y + (m_resultSouth ? kUtmSouthFalseNorthing : 0);
     } else if (m_dest.kind == PolarStereographic) {
         // Below the equator the library writes -abs(y + offset).

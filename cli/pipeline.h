@@ -15,6 +15,10 @@
 // Every point goes source -> geographic on the destination datum (the
 // library's datum shift) -> destination, so two systems of one kind with
 // different parameters are reprojected, not passed through.
+//
+// A projection's formulas hold only near its centre: far out they give a
+// wrong point with no error. So each projected step is taken back the other
+// way, and a point that does not come back within a metre is refused.
 #ifndef MAPWRIGHT_CLI_PIPELINE_H
 #define MAPWRIGHT_CLI_PIPELINE_H
 
@@ -36,14 +40,18 @@ double WrapLongitude(double x);
 
 class Pipeline {
 public:
-    Pipeline(const SystemDef& source, const SystemDef& dest);
+    Pipeline(const SystemDef& source, const SystemDef& dest) : Pipeline(source, dest, true) {}
     ~Pipeline();
     Pipeline(const Pipeline&) = delete;
     Pipeline& operator=(const Pipeline&) = delete;
 
+    enum class Outcome {
+        Converted,
+        SourceOutside,  // the source projection's formulas do not hold there
+        DestOutside,    // the destination refuses it, or its formulas do not hold there
+    };
     // `zone` and `south` tell a UTM source point's zone and hemisphere.
-    // False when the point is refused (outside the destination's area).
-    bool Convert(const GeoCoordTag& point, int zone, bool south);
+    Outcome Convert(const GeoCoordTag& point, int zone, bool south);
 
     // The last result in the destination's columns; for UTM with its zone.
     const GeoCoordTag& Result() const { return m_result; }
@@ -54,6 +62,7 @@ public:
     CGeoTransform& Final() { return m_second ? *m_second : *m_first; }
 
 private:
+    Pipeline(const SystemDef& source, const SystemDef& dest, bool checked);
     bool ToGeographic(GeoCoordTag p, int zone, bool south, double& lat, double& lon, double& h);
     bool FromGeographic(double lat, double lon, double h);
 
@@ -62,6 +71,11 @@ private:
     double m_sourceA = 0, m_sourceE2 = 0;  // the source ellipsoid, for X Y Z
     GeoCoordTag m_result{};
     bool m_resultSouth = false;
+    // The projected steps taken back: source -> geographic -> source on the
+    // source datum, destination -> geographic.
+    std::unique_ptr<Pipeline> m_sourceInverse, m_sourceBack, m_destBack;
+    int m_forcedZone = 0;  // a UTM destination's zone and hemisphere, when taking a source back
+    bool m_forcedSouth = false;
 };
 
 }  // namespace mwcli

@@ -285,6 +285,14 @@ TEST_F(Cli, BadLinesAreReportedByNumberTheRestConverted) {
         EXPECT_TRUE(Has(r.err, message)) << message << "\n" << r.err;
     const auto zone = Tool({"convert", "--from", "utm", "--to", "geographic"}, "413380.72 6179118.15\n").err;
     EXPECT_TRUE(Has(zone, "<stdin>:1: no UTM zone: give zone= in the source system")) << zone;
+    // Far from a projection's centre its formulas give a wrong point without an error: refused both ways.
+    for (const auto& [from, to, point, message] :
+         {std::tuple{"gk zone=7", "geo", "7500000 20000000\n", "<stdin>:1: the point is outside the area of the source"},
+          {"utm zone=37 south", "geo", "500000 0\n", "<stdin>:1: the point is outside the area of the source"},
+          {"geo", "gk zone=7", "55 20\n", "<stdin>:1: the destination system refuses the point"}}) {
+        const auto r = Tool({"convert", "--from", from, "--to", to}, point);
+        EXPECT_TRUE(r.status == 1 && Has(r.err, message)) << r.err;
+    }
     EXPECT_EQ("0.00000000 180.00000000\n", Tool({"convert", "--from", "geo", "--to", "geo"}, "0 -180\n").out);
 }
 
