@@ -26,29 +26,25 @@ size_t WidestName(const std::vector<std::string>& names, size_t header) {
     return width;
 }
 
-// The labels of `system show` and `pair show`, aligned on the widest.
-const std::vector<std::string>& Labels() {
-    static const std::vector<std::string> labels = {Tr("Projection:", "Проекция:"), Tr("Parameters:", "Параметры:"),
-                                                    Tr("Datum:", "Датум:"),         Tr("Ellipsoid:", "Эллипсоид:"),
-                                                    Tr("System:", "Система:"),      Tr("Key:", "Ключ:")};
-    return labels;
+// The labels of `system show` and `pair show`, aligned on the widest; made
+// on each call, since the language may change within a process.
+std::vector<std::string> Labels() {
+    return {Tr("Projection:", "Проекция:"), Tr("Parameters:", "Параметры:"), Tr("Datum:", "Датум:"),
+            Tr("Ellipsoid:", "Эллипсоид:"), Tr("System:", "Система:"),       Tr("Key:", "Ключ:")};
 }
 size_t LabelWidth() {
     return WidestName(Labels(), 0) + 1;
 }
 
-void PrintKey(const std::string& key) {
-    Print(PadRight(Labels()[5], LabelWidth()) + key + "\n");
-}
-
 // One labelled block: the library's names in the user-interface language,
 // and the SYSTEM text that gives this system back.
-void PrintSystem(CGeoReferenceData& system, const std::string& indent) {
+std::string SystemBlock(CGeoReferenceData& system, const std::string& indent) {
     const std::vector<DatumEntry> datums = ReadDatums();
-    const std::vector<std::string>& labels = Labels();
+    const std::vector<std::string> labels = Labels();
     const size_t width = LabelWidth();
+    std::string block;
     auto line = [&](size_t label, const std::string& value) {
-        Print(indent + PadRight(labels[label], width) + value + "\n");
+        block += indent + PadRight(labels[label], width) + value + "\n";
     };
 
     // The display name, and the English one (the name hosts key on) when
@@ -75,7 +71,7 @@ void PrintSystem(CGeoReferenceData& system, const std::string& indent) {
             if (first)
                 line(1, piece);
             else
-                Print(indent + std::string(width, ' ') + piece + "\n");
+                block += indent + std::string(width, ' ') + piece + "\n";
             first = false;
             start = stop + 1;
         }
@@ -88,6 +84,7 @@ void PrintSystem(CGeoReferenceData& system, const std::string& indent) {
     system.GetEllipsName(text);
     line(3, Utf8(text) + " (" + std::to_string(system.GetEllipsoid()) + ")");
     line(4, SystemText(DefOf(system), datums));
+    return block;
 }
 
 void CheckName(const std::string& name, const char* what) {
@@ -270,11 +267,18 @@ int SaveSystem(const std::string& key, const std::string& system) {
     return 0;
 }
 
-int ShowSystem(const std::string& key) {
+std::string ShownLine(const std::string& label, const std::string& value) {
+    return PadRight(label, LabelWidth()) + value + "\n";
+}
+
+std::string ShownSystem(const std::string& key) {
     CGeoReferenceData record;
     LoadSystem(key, record);
-    PrintKey(key);
-    PrintSystem(record, "");
+    return ShownLine(Labels()[5], key) + SystemBlock(record, "");
+}
+
+int ShowSystem(const std::string& key) {
+    Print(ShownSystem(key));
     return 0;
 }
 
@@ -302,11 +306,11 @@ int ShowPair(const std::string& base) {
     CGeoTransform pair;
     LoadPair(base, pair);
     pair.FreeGeoParam();
-    PrintKey(base);
+    Print(ShownLine(Labels()[5], base));
     Print(std::string(Tr("Source", "Исходная система")) + " (GeoData_fm):\n");
-    PrintSystem(*pair.GetReferenceDataSource(), "  ");
+    Print(SystemBlock(*pair.GetReferenceDataSource(), "  "));
     Print(std::string(Tr("Destination", "Конечная система")) + " (GeoData_to):\n");
-    PrintSystem(*pair.GetReferenceDataDest(), "  ");
+    Print(SystemBlock(*pair.GetReferenceDataDest(), "  "));
     return 0;
 }
 
@@ -348,13 +352,6 @@ void EveryKey(const std::string& path, std::vector<std::string>& out) {
     for (const std::string& child : SubKeys(path)) EveryKey(path.empty() ? child : path + "\\" + child, out);
 }
 
-// A key as the user types it: UTF-8, levels separated by "/".
-std::string Typed(const std::string& path) {
-    std::string typed = Utf8(path.c_str());
-    std::replace(typed.begin(), typed.end(), '\\', '/');
-    return typed;
-}
-
 bool IsPairHalf(const std::string& path) {
     const size_t slash = path.rfind('\\');
     std::string last = path.substr(slash == std::string::npos ? 0 : slash + 1);
@@ -366,7 +363,7 @@ bool IsPairHalf(const std::string& path) {
 std::string SavedText(const std::string& path, const std::vector<DatumEntry>& datums) {
     try {
         CGeoReferenceData record;
-        LoadSystem(Typed(path), record);
+        LoadSystem(TypedKey(path), record);
         return SystemText(DefOf(record), datums);
     } catch (const Error& e) {
         return std::string("(") + e.what() + ")";
@@ -387,7 +384,7 @@ int ListSystems(const std::string& base) {
     const std::vector<DatumEntry> datums = ReadDatums();
     for (const std::string& path : KeysBelow(base))
         if (!path.empty() && !IsPairHalf(path) && HoldsSystem(path))
-            Print(Typed(path) + ": " + SavedText(path, datums) + "\n");
+            Print(TypedKey(path) + ": " + SavedText(path, datums) + "\n");
     return 0;
 }
 
@@ -396,7 +393,7 @@ int ListPairs(const std::string& base) {
     for (const std::string& path : KeysBelow(base)) {
         const std::string prefix = path.empty() ? "" : path + "\\";
         if (HoldsSystem(prefix + "GeoData_fm") && HoldsSystem(prefix + "GeoData_to"))
-            Print(Typed(path) + ": " + SavedText(prefix + "GeoData_fm", datums) + " -> " +
+            Print(TypedKey(path) + ": " + SavedText(prefix + "GeoData_fm", datums) + " -> " +
                   SavedText(prefix + "GeoData_to", datums) + "\n");
     }
     return 0;

@@ -20,6 +20,10 @@ int AddDatum(const DatumAddOptions& options);
 
 int SaveSystem(const std::string& key, const std::string& system);
 int ShowSystem(const std::string& key);
+// What `system show KEY` prints. Throws Error as LoadSystem does.
+std::string ShownSystem(const std::string& key);
+// One line "Label: value" aligned with the lines of `system show`.
+std::string ShownLine(const std::string& label, const std::string& value);
 int SavePair(const std::string& base, const std::string& from, const std::string& to);
 int ShowPair(const std::string& base);
 // Every saved system (pair) at or below the key `base` ("" for all), with

@@ -1,6 +1,7 @@
 // mapwright: converts coordinates between map reference systems with the
 // Mapwright library, and manages its catalogs and saved systems.
 #include <cstdio>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 
 #include <mapwright/mapwright.h>
 
+#include "choose.h"
 #include "commands.h"
 #include "convert.h"
 #include "system_text.h"
@@ -25,8 +27,9 @@ const char* EnvironmentHelp() {
                       (default ~/.config/mapwright/registry.sqlite3)
   MAPWRIGHT_UI_LANG   en or ru, as --lang (default from LC_ALL, LC_MESSAGES,
                       LANG)
-Exit status: 0 done; 1 some input could not be converted; 2 the command could
-not run (bad option or system, unknown key, missing input, unwritable file).)",
+Exit status: 0 done; 1 some input could not be converted, or the dialog was
+cancelled; 2 the command could not run (bad option or system, unknown key,
+missing input, unwritable file, no desktop session for the dialog).)",
                      R"(Окружение:
   MAPWRIGHT_APPDIR    каталог, в чьём "Auxiliary Data" лежат datum.ini и
                       ellips.ini (по умолчанию ~/.local/share/mapwright,
@@ -35,9 +38,9 @@ not run (bad option or system, unknown key, missing input, unwritable file).)",
                       (по умолчанию ~/.config/mapwright/registry.sqlite3)
   MAPWRIGHT_UI_LANG   en или ru, как --lang (по умолчанию из LC_ALL,
                       LC_MESSAGES, LANG)
-Код выхода: 0 готово; 1 часть ввода не преобразована; 2 команда не выполнена
-(неверный параметр или система, неизвестный ключ, файл не открыт или не
-записан).)");
+Код выхода: 0 готово; 1 часть ввода не преобразована или диалог отменён;
+2 команда не выполнена (неверный параметр или система, неизвестный ключ, файл
+не открыт или не записан, нет сеанса рабочего стола для диалога).)");
 }
 
 const char* KeyHelp() {
@@ -209,6 +212,36 @@ int main(int argc, char** argv) {
     pairShow->add_option("BASE", key, Tr("The registry key of the pair", "Ключ реестра пары"))->required();
     pairShow->footer(std::string(BaseHelp()) + "\n\nExample:\n  mapwright pair show Software/Mapwright/gcp");
 
+    // the dialog
+    ChooseOptions ch;
+    CLI::App* choose = app.add_subcommand(
+        "choose", Tr("Choose a system in the library's dialog and save it under KEY\\GeoData",
+                     "Выбрать систему в диалоге библиотеки и сохранить её под KEY\\GeoData"));
+    choose->add_option("--key", ch.key,
+                       std::string(Tr("The registry key whose GeoData the dialog opens on and saves under\n"
+                                      "(default: the application's key, ",
+                                      "Ключ реестра, чей GeoData диалог открывает и куда сохраняет\n"
+                                      "(по умолчанию ключ приложения, ")) +
+                           TypedKey(AppRegKey().GetString()) + ")")
+        ->type_name("KEY");
+    choose->add_flag("--geoid", ch.geoid,
+                     Tr("The projection-and-geoid dialog: also a constant height or a geoid file",
+                        "Диалог проекции и геоида: ещё постоянная высота или файл геоида"));
+    choose->footer(
+        std::string(Tr("Opens the projection choice dialog on the system saved under KEY\\GeoData. OK\n"
+                       "saves the choice there and prints it as \"system show\" does (with --geoid, and\n"
+                       "the geoid choice, which is not saved). It needs a desktop session: DISPLAY or\n"
+                       "WAYLAND_DISPLAY set.\n"
+                       "Exit status: 0 chosen and saved; 1 cancelled (nothing changes); 2 no dialog\n"
+                       "can be shown (no desktop session or window back end) or a bad KEY.",
+                       "Открывает диалог выбора проекции на системе, сохранённой под KEY\\GeoData. OK\n"
+                       "сохраняет выбор туда и печатает его, как \"system show\" (с --geoid ещё и выбор\n"
+                       "геоида, который не сохраняется). Нужен сеанс рабочего стола: задан DISPLAY или\n"
+                       "WAYLAND_DISPLAY.\n"
+                       "Код выхода: 0 выбрано и сохранено; 1 отменено (ничего не меняется); 2 диалог\n"
+                       "не показать (нет сеанса рабочего стола или оконного модуля) или неверный KEY.")) +
+        "\n\nExample:\n  mapwright choose --key Software/Mapwright/gk7 --geoid");
+
     // Every command's list of subcommands under a heading in the language.
     std::vector<CLI::App*> commands = {&app};
     for (size_t i = 0; i < commands.size(); ++i) {
@@ -246,6 +279,7 @@ int main(int argc, char** argv) {
         if (*pairShow) return ShowPair(key);
         if (*systemList) return ListSystems(listBase);
         if (*pairList) return ListPairs(listBase);
+        if (*choose) return Choose(ch, std::cout, std::cerr);
     } catch (const Error& e) {
         std::fflush(stdout);
         std::fprintf(stderr, "mapwright: %s\n", e.what());

@@ -1,5 +1,6 @@
 #include "system_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -481,6 +482,12 @@ std::string RegistryPath(std::string_view typed) {
     for (char& c : path)
         if (c == '/') c = '\\';
     return path;
+}
+
+std::string TypedKey(const std::string& path) {
+    std::string typed = Utf8(path.c_str());
+    std::replace(typed.begin(), typed.end(), '\\', '/');
+    return typed;
 }
 
 bool RegistryKeyExists(const std::string& path) {

@@ -64,6 +64,9 @@ const char* KindKeyword(int kind);
 // A registry key as typed (UTF-8, levels separated by a backslash or "/") in the
 // library's form: Windows-1251, a backslash between levels.
 std::string RegistryPath(std::string_view typed);
+// The way back: a key in the library's form as the user types it (UTF-8,
+// levels separated by "/").
+std::string TypedKey(const std::string& path);
 bool RegistryKeyExists(const std::string& path);
 // CGeoReferenceData::LoadData with the checks it leaves out: the key exists,
 // it holds a kind 1..7, and its datum and ellipsoid are in the catalogs.

@@ -5,12 +5,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <mapwright/mapwright.h>
+
 #include <algorithm>
 #include <array>
 #include <map>
 #include <cmath>
+#include <functional>
 #include <sstream>
 
+#include "choose.h"
 #include "testenv.h"
 
 namespace {
@@ -30,12 +34,18 @@ Result Run(const std::string& program, const Args& args, const std::string& inpu
     std::vector<char*> argv = {const_cast<char*>(program.c_str())};
     for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
+    // No display for a child: `choose` would open a real window and wait.
+    std::vector<char*> env;
+    for (char** e = environ; *e; ++e)
+        if (std::string_view v(*e); !v.starts_with("DISPLAY=") && !v.starts_with("WAYLAND_DISPLAY=") && !v.starts_with("QT_QPA_PLATFORM="))
+            env.push_back(*e);
+    env.push_back(nullptr);
     const pid_t pid = fork();
     if (pid == 0) {
         const int i = open(in.c_str(), O_RDONLY), o = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600),
                   e = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         if (i >= 0 && o >= 0 && e >= 0 && dup2(i, 0) >= 0 && dup2(o, 1) >= 0 && dup2(e, 2) >= 0)
-            execv(program.c_str(), argv.data());
+            execve(program.c_str(), argv.data(), env.data());
         _exit(127);
     }
     int wait = 0;
@@ -261,6 +271,7 @@ TEST_F(Cli, UsageErrorsExitWithTwoNamingWhatWasExpected) {
 
 TEST_F(Cli, HelpAndMessagesInTheLanguageAsked) {
     EXPECT_TRUE(Has(Tool({"convert", "--help", "--lang", "ru"}).out, "Параметры:\n"));
+    EXPECT_TRUE(Has(Tool({"choose", "--help", "--lang", "ru"}).out, "Диалог проекции и геоида"));
     setenv("MAPWRIGHT_UI_LANG", "ru", 1);
     const auto bad = Tool({"convert", "--from", "utm zone=37", "--to", "geographic"}, "abc 1\n");
     const auto help = Tool({"--help"}), en = Tool({"--lang", "en", "--help"});
@@ -320,6 +331,57 @@ TEST_F(Cli, AnInputThatCannotBeReadOrWouldBeEmptiedExitsWithTwo) {
     }
     EXPECT_EQ(2, Tool({"convert", "--from", "geo", "--to", "utm zone=37", in, "-o", in}).status);
     EXPECT_EQ("55.7558 37.6173\n", ReadFile(in));  // opening the output would have emptied it
+}
+
+// `choose` played in process: it prints `system show` of what the registry
+// then holds under KEY\GeoData (the geoid choice after it); Cancel keeps it.
+template <class T>
+T& Item(CDialog& d, int id) {
+    T* control = dynamic_cast<T*>(d.GetDlgItem(id));
+    if (!control) ADD_FAILURE() << "no control " << id, std::abort();
+    return *control;
+}
+void Play(CDialog& d, void* act) { (*static_cast<std::function<void(CDialog&)>*>(act))(d); }
+
+TEST_F(Cli, ChooseSavesUnderKeyGeoDataAndPrintsItAsSystemShow) {
+    ASSERT_EQ(0, Tool({"system", "save", "C/b/GeoData", "utm zone=37 south"}).status);
+    // The dialog opens on what is saved (null: nothing, the defaults); the user picks Gauss-Kruger.
+    const struct { std::optional<std::string> key; std::string shown; const char* opens; bool geoid; const char* file; int button, status; std::string geoidLine; } cases[] = {
+        {"C/a", "C/a/GeoData", nullptr, false, nullptr, IDOK, 0, ""},
+        {{}, "Software/Mapwright/GeoData", nullptr, false, nullptr, IDOK, 0, ""},  // the application's key
+        {"C/b", "C/b/GeoData", "UTM", false, nullptr, IDCANCEL, 1, ""},
+        {"C\\b", "C/b/GeoData", "UTM", true, nullptr, IDOK, 0, "Geoid:      constant height 35.7 m\n"},
+        {"C/b", "C/b/GeoData", "Gauss-Kruger", true, "/g/a.grd", IDOK, 0, "Geoid:      file /g/a.grd\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.shown + (c.geoid ? " --geoid" : ""));
+        const std::string before = Tool({"system", "show", c.shown}).out;
+        std::function<void(CDialog&)> act = [&](CDialog& d) {
+            CString shown;
+            EXPECT_TRUE(!c.opens || (Item<CComboBox>(d, 800).GetWindowText(shown), shown == c.opens)) << shown.GetString();
+            for (const auto& [id, text] : {std::pair{800, "Gauss-Kruger"}, {806, "Krassovsky 1940"}, {807, "Pulkovo 1942"}})
+                EXPECT_TRUE(Item<CComboBox>(d, id).Pick(Item<CComboBox>(d, id).FindStringExact(-1, text))) << text;
+            Item<CEdit>(d, 801).TypeText("039\xB0 00' 00.00'' E"), Item<CEdit>(d, 803).TypeText("7500000");
+            if (c.geoid && !c.file) Item<CEdit>(d, 820).TypeText("35.7");
+            if (c.file) Item<CButton>(d, 887).Click(), Item<CInFileCtrl>(d, 822).ChoosePath(c.file);
+            Item<CButton>(d, c.button).Click();
+        };
+        MwSetDialogUser(&Play, &act);
+        std::ostringstream out, err;
+        const int status = mwcli::Choose({c.key, c.geoid}, out, err);
+        MwSetDialogUser(nullptr, nullptr);
+        const std::string after = Tool({"system", "show", c.shown}).out;
+        EXPECT_EQ(c.status, status) << err.str();
+        EXPECT_EQ(std::string("Software\\Mapwright"), AppRegKey().GetString());  // the host's key put back
+        if (c.status == 0)
+            EXPECT_TRUE(out.str() == after + c.geoidLine && Has(after, "System:     gk zone=7 datum=\"Pulkovo 1942\"\n"))
+                << out.str() << after;
+        else
+            EXPECT_TRUE(out.str().empty() && after == before) << after;
+    }
+    const auto none = Tool({"choose", "--key", "C/x"});  // no display in a child
+    EXPECT_TRUE(none.status == 2 && none.out.empty() && Has(none.err, "a desktop session (DISPLAY or WAYLAND_DISPLAY")) << none.err;
+    EXPECT_EQ(2, Tool({"system", "show", "C/x/GeoData"}).status);
 }
 
 }  // namespace
