@@ -17,8 +17,8 @@
 namespace {
 
 using G = GeoCoordTag;
+using mwtest::Str;
 G& Rec(CGeoCoord& c) { return *static_cast<G*>(c.GetCoord()); }
-std::string Str(const CString& s) { return std::string(s.GetString(), size_t(s.GetLength())); }
 CGeoCoord Make(int kind, G v) {
     CGeoCoord c;
     c.SetProjection(kind);
