@@ -19,7 +19,7 @@ namespace {
 
 constexpr double kDeg = kDegToRad;
 struct Fig { const char* ellps; double a, rf; };
-constexpr Fig kW{"WGS84", 6378137, 298.257223563}, kK{"krass", 6378245, 298.3}, kI{"intl", 6378388, 297}, kFigs[] = {kW, kK};
+constexpr Fig kW{"WGS84", 6378137, 298.257223563}, kK{"krass", 6378245, 298.3}, kFigs[] = {kW, kK};
 std::string N(double v) {
     char b[32];
     std::snprintf(b, sizeof b, "%.17g", v);
@@ -127,8 +127,8 @@ std::string Molodensky(const Fig& f, const Fig& t, int dx, int dy, int dz) {
 
 TEST(Oracle, DatumShift) {
     // Rounding only on both sides, same parameters: 0.1 um.
-    static const short z[3] = {0, 0, 0}, pul[3] = {28, -130, -95}, ed[3] = {-87, -98, -121};
-    const struct { Fig f, t; const short *sf, *st; } legs[] = {{kK, kW, pul, z}, {kW, kK, z, pul}, {kI, kW, ed, z}, {kW, kI, z, ed}};
+    static const short z[3] = {0, 0, 0}, pul[3] = {28, -130, -95};
+    const struct { Fig f, t; const short *sf, *st; } legs[] = {{kK, kW, pul, z}, {kW, kK, z, pul}};
     std::vector<double> lats;
     for (double lat = -88; lat <= 88 + 1e-9; lat += 0.5) lats.push_back(lat);
     for (double a = 89.01; a <= 90 + 1e-9; a += 0.07) lats.insert(lats.end(), {std::min(a, 90 - 1e-6), -std::min(a, 90 - 1e-6)});

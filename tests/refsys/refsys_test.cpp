@@ -19,8 +19,8 @@ namespace {
 
 using R = CGeoReferenceData;
 using SP = ScaledProjectionParam;
+using mwtest::Str;
 bool Zero(const void* p, size_t n) { return n == 0 || (!*static_cast<const char*>(p) && !std::memcmp(p, static_cast<const char*>(p) + 1, n - 1)); }
-std::string Str(const CString& s) { return std::string(s.GetString(), size_t(s.GetLength())); }
 SP* Scaled(R& r) { return static_cast<SP*>(r.GetParam()); }
 // The block of r's kind from a scaled one; other kinds take its last four fields.
 void Fill(R& r, const SP& p) {

@@ -24,6 +24,8 @@ void WriteFile(const std::string& path, const std::string& content);
 std::string ReadFile(const std::string& path);
 bool FileExists(const std::string& path);
 std::string ShippedCatalogDir();  // "<data>/Auxiliary Data" of the source tree
+// A CString's text with its length, embedded zeros and all.
+template <class S> std::string Str(const S& s) { return std::string(s.GetString(), size_t(s.GetLength())); }
 
 // Private MAPWRIGHT_APPDIR (with the shipped catalogs, or none) and MAPWRIGHT_REGISTRY; HOME, XDG_* restored.
 class IsolatedEnv {
