@@ -28,8 +28,8 @@ END_MESSAGE_MAP()
 
 // What a dialog does: its template's placeholder, bound and created.
 struct Rig {
-    Rig() {
-        placeholder.Create("StaticGeoidFile", WS_CHILD | WS_VISIBLE, RECT{231, 30, 395, 62}, &host, 822);
+    explicit Rig(LONG width = 164) {
+        placeholder.Create("StaticGeoidFile", WS_CHILD | WS_VISIBLE, RECT{231, 30, 231 + width, 62}, &host, 822);
         file.SubclassDlgItem(822, &host);
         file.Create(1, "Geoid (*.grd)|*.grd||", nullptr, 8, "\\Processing");
     }
@@ -44,6 +44,11 @@ TEST(FileControl, FillsThePlaceholderAndShowsAsAWhole) {
     RECT e{}, b{};  // 164 wide: the button the last 8, the edit the rest less a gap of 2
     rig.file.GetPathEdit().GetWindowRect(&e), rig.file.GetBrowseButton().GetWindowRect(&b);
     EXPECT_TRUE(e.left == 0 && e.top == 0 && e.right == 154 && e.bottom == 12 && b.left == 156 && b.right == 164 && b.bottom == 12);
+    for (auto [width, edit] : {std::pair{11L, 1L}, {9L, 0L}}) {  // the edit shrinks to nothing, never below
+        Rig narrow(width);
+        narrow.file.GetPathEdit().GetWindowRect(&e);
+        EXPECT_EQ(e.right, edit) << width;
+    }
     EXPECT_TRUE(rig.file.GetPathEdit().IsWindowVisible() && rig.file.GetBrowseButton().IsWindowVisible());
     EXPECT_FALSE(rig.file.Create(1, nullptr, nullptr, 8, nullptr)) << "created once";
     rig.file.ShowWindow(SW_HIDE);

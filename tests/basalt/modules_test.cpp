@@ -42,6 +42,9 @@ TEST(Basalt, AppDirFromHostEnvironmentOrXdg) {
     setenv("HOME", dir.file("h").c_str(), 1);
     setenv("MAPWRIGHT_APPDIR", "/opt/host/", 1);
     EXPECT_EQ("/opt/host", AppDir());
+    setenv("MAPWRIGHT_APPDIR", "//", 1);
+    EXPECT_EQ("/", AppDir());
+    setenv("MAPWRIGHT_APPDIR", "/opt/host/", 1);
     SetAppDir("/srv/app");
     EXPECT_EQ("/srv/app", AppDir());
     SetAppDir(nullptr);

@@ -208,7 +208,7 @@ TEST_F(Cli, EveryKindAgreesWithProjAndReadsBack) {
 }
 
 TEST_F(Cli, AnAddedDatumConvertsAsProjAndBadOnesAreRefused) {
-    EXPECT_TRUE(Has(Tool({"datums"}).out, "Pulkovo 1942") && Has(Tool({"ellipsoids"}).out, "6378245         298.3"));
+    EXPECT_TRUE(Has(Tool({"datums"}).out, "Pulkovo 1942                            Krassovsky 1940") && Has(Tool({"ellipsoids"}).out, "6378245         298.3"));
     ASSERT_EQ(0, Tool({"datum", "add", "Test AGD", "--ellipsoid", "Test ANS", "--a", "6378160", "--rf", "298.25",
                        "--dx", "-133", "--dy", "-48", "--dz", "148"}).status);
     const std::string ini = Ini();
@@ -282,13 +282,13 @@ TEST_F(Cli, HelpAndMessagesInTheLanguageAsked) {
 }
 
 TEST_F(Cli, BadLinesAreReportedByNumberTheRestConverted) {
-    const std::string input = "\xEF\xBB\xBF# GCP list\n\n55.7558 37.6173 150 GCP-1\n55,7558 37,6173\n"
-                              "55 45 20.88 37 37 2.28\n55.75 120\n55 45 20.88 N 37 37 2.28 E\r\n";
+    const std::string input = "\xEF\xBB\xBF# GCP list\r\n\n55.7558 37.6173 150 GCP-1\n55,7558 37,6173\n"
+                              "55 45 20.88 37 37 2.28\n55.75 120\n55 45 20.88 N 37 37 2.28 E\r\n# end\r";
     const auto r = Tool({"convert", "--from", "geographic", "--to", "gk zone=7 datum=4", "-p", "2"}, input);
     const auto out = Lines(r.out);
-    ASSERT_TRUE(r.status == 1 && out.size() == 7u) << r.out;
+    ASSERT_TRUE(r.status == 1 && out.size() == 8u) << r.out;
     EXPECT_TRUE(out[0] == "# GCP list" && out[1].empty() && out[2].ends_with(" GCP-1") && Nums(out[2]).size() == 3 &&
-                out[3] == "* *" && out[4] == "* *" && out[5] == "* *" && Nums(out[6]).size() == 2) << r.out;
+                out[3] == "* *" && out[4] == "* *" && out[5] == "* *" && Nums(out[6]).size() == 2 && out[7] == "# end") << r.out;
     for (const char* message : {"<stdin>:4: cannot read the latitude from \"55,7558\": a comma separates numbers",
                                 "<stdin>:5: the text after the coordinates starts like one more: \"37\"",
                                 "<stdin>:6: the destination system refuses the point",
@@ -304,6 +304,7 @@ TEST_F(Cli, BadLinesAreReportedByNumberTheRestConverted) {
         const auto r = Tool({"convert", "--from", from, "--to", to}, point);
         EXPECT_TRUE(r.status == 1 && Has(r.err, message)) << r.err;
     }
+    EXPECT_EQ(0, Tool({"convert", "--from", "geo", "--to", "ps lat_ts=-71"}, "0 30\n").status);  // the equator is south enough
     EXPECT_EQ("0.00000000 180.00000000\n", Tool({"convert", "--from", "geo", "--to", "geo"}, "0 -180\n").out);
 }
 

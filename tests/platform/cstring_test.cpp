@@ -19,6 +19,8 @@ TEST(CString, CopiesFormatsAndRanges) {
     s.ReleaseBuffer(11);
     EXPECT_EQ(CString("North|South|uth|"), s.Left(5) + "|" + s.Right(5) + "|" + s.Mid(8, 9) + "|" + s.Mid(50) + s.Left(-1));
     EXPECT_EQ(std::make_tuple(6, -1, 0), std::make_tuple(s.Find("South"), s.Find('N', 100), s.GetAt(100) + s.GetAt(-1)));
+    CString blanks(" \t\r\n\v\fa`z{\f\v\n\r\t ");
+    EXPECT_EQ(CString("A`Z{"), blanks.Trim().MakeUpper());
 }
 
 TEST(Codepage, RoundTrip) {
@@ -29,5 +31,7 @@ TEST(Codepage, RoundTrip) {
     EXPECT_EQ(all, back);
     EXPECT_EQ("\xD0\x81\xEF\xBF\xBD", AnsiToUtf8("\xA8\x98"));
     for (const char* bad : {"a\xE4\xB8\xAD" "b", "a\xFF" "b", "a\xD0"}) EXPECT_EQ("a?", Utf8ToAnsi(bad).substr(0, 2)) << bad;
+    // A stray byte is one character: a broken sequence, or bytes no lead byte starts.
+    EXPECT_EQ("a??b|????", Utf8ToAnsi("a\xE2\x82" "b|\xC0\x80\x80\x80"));
 }
 }  // namespace

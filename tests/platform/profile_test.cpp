@@ -94,7 +94,7 @@ TEST_F(Profile, ReadRules) {
         {"[A]\nK=1\n", "A", "L", D}, {"[A]\nK=\r\n", "A", "K", ""}, {"[A]\r\nK=1\rL=2\nM=3", "A", "M", "3"},
         {"[Datum]\nK=1", "dATUM", "K", "1"}, {"[A]\nK = \t v w \v\f\n", "A", "K", "v w"},
         {"  [  A  ]  \n\t K \t= \" a \" \n", " A ", " K\t", " a "},
-        {"[A]\nK=\"a'\n", "A", "K", "\"a'"}, {"[A]\n;K=v\n", "A", ";K", "v"}, {"[A]\nK\n", "A", "K", D}, {"[A]\nK=a=b\n", "A", "K", "a=b"},
+        {"[A]\nK=\"a'\n", "A", "K", "\"a'"}, {"[A]\n;K=v\n", "A", ";K", "v"}, {"[A]\nK\n", "A", "K", D}, {"[A]\nK=a=b\n", "A", "K", "a=b"}, {"[A]\nK=\"\"\n", "A", "K", ""},
         {"[A]\nK=1\n[a]\nL=4\n", "A", "L", D},
         {"[A]\nK=1\nk=2\n[B]\nL=1\n", "A", "K", "1"}, {"[A]\n[B]\nL=1\n", "A", "L", D},
         {"[A]B] x\nK=1\n", "A]B", "K", "1"}, {"[A\nK=1\n", "A", "K", D},

@@ -57,8 +57,8 @@ TEST(Edit, SelectionAndTyping) {
         EXPECT_EQ(TextOf(edit), after);
         EXPECT_EQ(edit.GetSel(), DWORD(after[2] ? MAKELONG(3, 3) : 0)) << at;
     }
-    EXPECT_TRUE(edit.EraseChar(1) && !edit.EraseChar(1) && !edit.EraseChar(-1));
-    EXPECT_EQ(TextOf(edit), "a");
+    EXPECT_TRUE(edit.EraseChar(1) && !edit.EraseChar(1) && !edit.EraseChar(-1) && edit.EraseChar(0));
+    EXPECT_EQ(TextOf(edit), "");
 }
 
 TEST(ComboBox, SortingSelectionAndSearch) {

@@ -89,7 +89,7 @@ TEST(Core, MercatorAndPolarStereographicEdges) {
         EXPECT_EQ(st >= 0, put(x, y)) << lat;
     }
     // origin, lat, lon, status, 1 when written (the UTM band's -2 writes)
-    const double ps[][5] = {{kTs, 90 - 5e-8, 77, 0, 1}, {kTs, 84, 0, 0, 1}, {kTs, 83, 0, -2, 1}, {kTs, kTs, 0, -2, 1}, {kTs, -1, 0, 17, 1},
+    const double ps[][5] = {{kTs, 90 - 5e-8, 77, 0, 1}, {kTs, 84, 0, 0, 1}, {kTs, 83, 0, -2, 1}, {kTs, 0, 0, -2, 1}, {kTs, kTs, 0, -2, 1}, {kTs, -1, 0, 17, 1},
         {kTs, -3, 0, -2, 0}, {-kTs, -80, 0, 0, 1}, {-kTs, -79, 0, -2, 1}, {-kTs, 1, 0, 17, 1}, {-kTs, 3, 0, -2, 0}};
     for (auto& q : ps) {
         double x = kU, y = kU;

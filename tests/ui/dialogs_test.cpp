@@ -122,6 +122,8 @@ TEST_P(Dialogs, OkStoresTheChoiceOrRefuses) {
         {4, TransverseMercator, nullptr, nullptr, {"0.9996", "027\xB0 30' 00.00'' W", "045\xB0 00' 00.00'' S", "500000.7", "10000000"}, 0,
          "4 3 0.9996 -27.5 -45 500000 10000000 | 4 3 0.999600 -27.500000 -45.000000 500000 10000000"},
         {4, UTM, nullptr, nullptr, {"37", "s"}, 0, "2 3 1 0 0 -1 37 | 2 3 37 0.000000 0.000000 -1 37"},
+        {4, UTM, nullptr, nullptr, {"60", "N"}, 0, "2 3 1 0 0 1 60 | 2 3 60 0.000000 0.000000 1 60"},
+        {4, UTM, nullptr, nullptr, {"1", "n"}, 0, "2 3 1 0 0 1 1 | 2 3 1 0.000000 0.000000 1 1"},
         {4, PolarStereographic, "WGS 72", "WGS 72", {nullptr, "071\xB0 00' 00.00'' S", "-2x0"}, 0,
          "6 1 1 0 -71 -20 0 | 6 1 1 0.000000 -71.000000 -20 0"},  // the mask refuses x
                 {5, 0, "Krassovsky 1940", nullptr, {}, 1, "5 3 1 10 20 30 40 |" + kUnsaved},  // its datums bear other names
