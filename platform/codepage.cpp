@@ -51,7 +51,8 @@ private:
 
 // The length of the UTF-8 sequence starting at p, 1 for a stray byte.
 size_t Utf8SequenceLength(const unsigned char* p, size_t left) {
-    size_t n = (p[0] >= 0xF0 && p[0] <= 0xF4) ? 4 : (p[0] >= 0xE0) ? 3 : (p[0] >= 0xC2 && p[0] <= 0xDF) ? 2 : 1;
+    const unsigned lead = p[0];
+    size_t n = (lead >= 0xF0 && lead <= 0xF4) ? 4 : (lead >= 0xE0 && lead <= 0xEF) ? 3 : (lead >= 0xC2 && lead <= 0xDF) ? 2 : 1;
     if (n > left) return 1;
     for (size_t i = 1; i < n; ++i)
         if ((p[i] & 0xC0) != 0x80) return 1;

@@ -81,6 +81,7 @@ TEST(Dms, ReaderAcceptsAndRejects) {
         {Lat, "5" DEG " 5' 2'' E"}, {Lon, "5" DEG " 5' 2'' s"}, {Lat, "5" DEG " 5' 2''"}, {Lat, "5" DEG " 5' 2'' NS"},
         {Lat, "1" DEG " 60' 0'' N"}, {Lat, "1" DEG " 0' 60'' N"}, {Lat, "90" DEG " 0' 0.01'' S"}, {Lon, "180" DEG " 0' 0.01'' E"},
         {Lat, "-5" DEG " 5' 2'' N"}, {Lat, "5\xC2 5' 2'' N"}, {Lat, "0005" DEG " 5' 2'' N"}, {Lat, "5" DEG " 5' 2.885'' N"},
+        {Lat, "5" DEG " 5' 2' N"}, {Lat, "5" DEG " 5 2'' N"},
     };
     for (const auto& [a, text] : bad) {
         double x = -12.25;

@@ -31,7 +31,9 @@ TEST(Codepage, RoundTrip) {
     EXPECT_EQ(all, back);
     EXPECT_EQ("\xD0\x81\xEF\xBF\xBD", AnsiToUtf8("\xA8\x98"));
     for (const char* bad : {"a\xE4\xB8\xAD" "b", "a\xFF" "b", "a\xD0"}) EXPECT_EQ("a?", Utf8ToAnsi(bad).substr(0, 2)) << bad;
-    // A stray byte is one character: a broken sequence, or bytes no lead byte starts.
-    EXPECT_EQ("a??b|????", Utf8ToAnsi("a\xE2\x82" "b|\xC0\x80\x80\x80"));
+    // An unmappable sequence is one character, each byte of a broken one is one.
+    for (const auto& [utf8, ansi] : {std::pair{"\xC2\x80|\xC3\x80|\xF0\x90\x80\x80|a\xE2\x82" "b", "?|?|?|a??b"},
+                                     {"\xC0\x80\x80\x80|\xF5\x80\x80\x80", "????|????"}})
+        EXPECT_EQ(ansi, Utf8ToAnsi(utf8)) << utf8;
 }
 }  // namespace

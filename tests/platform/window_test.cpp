@@ -42,6 +42,7 @@ TEST(Window, TextStateAndHandles) {
 
 TEST(Edit, SelectionAndTyping) {
     CEdit edit;
+    EXPECT_EQ(edit.GetSel(), 0u);
     for (const auto& [from, to, s, e] : {std::tuple{-4, 2, 0, 2}, {5, 2, 2, 5}, {9, 9, 6, 6}}) {
         edit.SetWindowText("abcdef");
         edit.SetSel(from, to);

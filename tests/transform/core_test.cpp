@@ -70,8 +70,11 @@ TEST(Core, UtmZonesAndThe180Meridian) {
         EXPECT_GE(utm_geo_to_pr(s.get(), 10, r[1], &zone, &x, &y), 0) << r[0] << " " << r[1];
         EXPECT_TRUE(zone == r[2] && put(x, y)) << r[0] << " " << r[1] << ": " << zone;
     }
-    long zone = 1;  // forced far away: refused, nothing written
+    long zone = 0;
     double x = kU, y = kU;
+    EXPECT_TRUE(utm_geo_to_pr(s.get(), 0, 3, &zone, &x, &y) == 0 && y == 0) << y;  // the equator is north
+    zone = 1;  // forced far away: refused, nothing written
+    x = y = kU;
     EXPECT_EQ(utm_geo_to_pr(s.get(), 10, 100, &zone, &x, &y), -2);
     EXPECT_TRUE(zone == 1 && x == kU && y == kU);
     P c170(tm_create(kA, kRf, 0, 170, 0.9996)), c0(tm_create(kA, kRf, 0, 0, 0.9996));
@@ -118,6 +121,10 @@ TEST(Core, GeocentricToGeodetic) {
         geocentric_to_geodetic(kA, kE2, r[0], r[1], r[2], &la, &lo, &h);
         EXPECT_TRUE(nr(la, r[3], 1e-12) && lo == r[4] && nr(h, r[5], 1e-3)) << r[0] << "," << r[1] << "," << r[2];
     }
+    double X, Y, Z;
+    geocentric(kA, kE2, 45, 10, 1e7, &X, &Y, &Z);
+    geocentric_to_geodetic(kA, kE2, X, Y, Z, &la, &lo, &h);
+    EXPECT_TRUE(nr(la, 45, 1e-11) && nr(lo, 10, 1e-12) && nr(h, 1e7, 1e-5)) << la - 45 << " " << h - 1e7;
 }
 
 // WGS 72 -> WGS 84 in closed form from the published constants.
