@@ -28,10 +28,10 @@ END_MESSAGE_MAP()
 
 // What a dialog does: its template's placeholder, bound and created.
 struct Rig {
-    explicit Rig(LONG width = 164) {
+    explicit Rig(LONG width = 164, const char* initialDir = "\\Processing") {
         placeholder.Create("StaticGeoidFile", WS_CHILD | WS_VISIBLE, RECT{231, 30, 231 + width, 62}, &host, 822);
         file.SubclassDlgItem(822, &host);
-        file.Create(1, "Geoid (*.grd)|*.grd||", nullptr, 8, "\\Processing");
+        file.Create(1, "Geoid (*.grd)|*.grd||", nullptr, 8, initialDir);
     }
     Host host;
     CStatic placeholder;
@@ -44,6 +44,12 @@ TEST(FileControl, FillsThePlaceholderAndShowsAsAWhole) {
     RECT e{}, b{};  // 164 wide: the button the last 8, the edit the rest less a gap of 2
     rig.file.GetPathEdit().GetWindowRect(&e), rig.file.GetBrowseButton().GetWindowRect(&b);
     EXPECT_TRUE(e.left == 0 && e.top == 0 && e.right == 154 && e.bottom == 12 && b.left == 156 && b.right == 164 && b.bottom == 12);
+    // The browser starts in a folder below the application's, or the one given.
+    setenv("MAPWRIGHT_APPDIR", "/app", 1);
+    for (auto [given, start] : {std::pair{"\\Processing", "/app/Processing"}, {"", "/app"}, {"/g", "/app/g"}, {"rel\\g", "rel/g"}}) {
+        EXPECT_EQ(std::string(Rig(164, given).file.GetInitialDir().GetString()), start);
+    }
+    unsetenv("MAPWRIGHT_APPDIR");
     for (auto [width, edit] : {std::pair{11L, 1L}, {9L, 0L}}) {  // the edit shrinks to nothing, never below
         Rig narrow(width);
         narrow.file.GetPathEdit().GetWindowRect(&e);
