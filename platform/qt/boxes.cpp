@@ -28,7 +28,8 @@ QString NameFilters(const QString& windowsFilter) {
 
 int ShowMessageBox(HWND owner, LPCSTR text, LPCSTR caption, UINT type) {
     // A handler may have changed the dialog before it raised the box: show that behind it.
-    if (DialogWindow* window = DialogWindow::Showing(owner)) window->Refresh();
+    DialogWindow* window = DialogWindow::Showing(owner);
+    if (window) window->Refresh();
     QMessageBox::StandardButtons buttons = QMessageBox::Ok;
     if ((type & 0xFu) == MB_OKCANCEL) buttons = QMessageBox::Ok | QMessageBox::Cancel;
     if ((type & 0xFu) == MB_YESNO) buttons = QMessageBox::Yes | QMessageBox::No;
@@ -41,6 +42,8 @@ int ShowMessageBox(HWND owner, LPCSTR text, LPCSTR caption, UINT type) {
     }
     QMessageBox box(icon, FromAnsi(caption), FromAnsi(text), buttons, OwnerOf(owner));
     box.exec();
+    // As in Windows, the owner is active again once its box has gone.
+    if (window) window->activateWindow();
     switch (box.standardButton(box.clickedButton())) {
     case QMessageBox::Cancel: return IDCANCEL;
     case QMessageBox::Yes: return IDYES;

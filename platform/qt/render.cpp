@@ -38,20 +38,27 @@ bool IsTitledGroup(const CWnd* window) {
 
 LONG Overlap(LONG a0, LONG a1, LONG b0, LONG b1) { return std::min(a1, b1) - std::max(a0, b0); }
 
+// What the user sees of a control: a drop-down list's field.
+RECT ShownRect(const CWnd& window) {
+    RECT rect = RectOf(window);
+    if (dynamic_cast<const CComboBox*>(&window)) rect.bottom = std::min(rect.bottom, rect.top + kComboFieldHeight);
+    return rect;
+}
+
 // The static that names a control whose text is a value (an edit, a list, a
 // compound control): the static just before it in template order, else the
-// one beside it on its left (the most of its height), else the titled group
-// box around it, else a static just above it.
+// one right beside it on its left (the most of its height), else the titled
+// group box around it, else a static just above it.
 CWnd* LabelOf(CWnd& control, const std::vector<CWnd*>& siblings) {
     if (IsStatic(&control) || dynamic_cast<CButton*>(&control)) return nullptr;
     const auto at = std::find(siblings.begin(), siblings.end(), &control);
     if (at != siblings.begin() && IsStatic(*(at - 1))) return *(at - 1);
-    const RECT r = RectOf(control);
+    const RECT r = ShownRect(control);
     CWnd* best = nullptr;
     LONG bestScore = 0;
     for (CWnd* s : siblings) {
         const RECT q = RectOf(*s);
-        if (!IsStatic(s) || q.right > r.left) continue;
+        if (!IsStatic(s) || q.right > r.left || r.left - q.right > kListItemHeight) continue;
         if (const LONG overlap = Overlap(q.top, q.bottom, r.top, r.bottom); overlap > bestScore) best = s, bestScore = overlap;
     }
     if (best) return best;
