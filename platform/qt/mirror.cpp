@@ -149,6 +149,21 @@ private:
     bool m_picked = false;
 };
 
+// Sets a static's text, in a smaller font when the dialog font does not fit
+// it in the rectangle: the templates were measured against a narrower font
+// than the sans-serif fonts of today, and a cut label says nothing.
+void SetLabelText(QLabel* label, const QString& text) {
+    if (label->text() == text) return;
+    label->setText(text);
+    QFont font = label->parentWidget()->font();
+    const auto fits = [&](const QFont& f) {
+        return QFontMetrics(f).boundingRect(label->contentsRect(), int(label->alignment()) | Qt::TextWordWrap, text)
+                   .height() <= label->contentsRect().height();
+    };
+    while (!fits(font) && font.pointSizeF() > 6.0) font.setPointSizeF(font.pointSizeF() - 0.5);
+    label->setFont(font);
+}
+
 QWidget* MakeButton(DialogWindow& window, CButton& model, QWidget* parent) {
     QAbstractButton* button = nullptr;
     switch (model.GetStyle() & BS_TYPEMASK) {
@@ -232,8 +247,7 @@ void RefreshWidget(const Control& control) {
         if (!same) combo->clear(), combo->addItems(items);
         if (combo->currentIndex() != list.GetCurSel()) combo->setCurrentIndex(list.GetCurSel());
     } else if (auto* label = qobject_cast<QLabel*>(widget)) {
-        if (!(model.GetStyle() & 0x80u)) label->setText(WithoutMnemonic(text));  // SS_NOPREFIX keeps "&"
-        else label->setText(text);
+        SetLabelText(label, model.GetStyle() & 0x80u ? text : WithoutMnemonic(text));  // SS_NOPREFIX keeps "&"
     } else if (auto* group = qobject_cast<QGroupBox*>(widget)) {
         group->setTitle(text);
     } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
