@@ -4,19 +4,17 @@
 #include <mapwright/mapwright.h>
 #include <mapwright/qt.h>
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QFileDialog>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QRadioButton>
 #include <QTest>
 #include <QTimer>
 
-#include <cstring>
 #include <filesystem>
 #include <functional>
 
@@ -25,37 +23,37 @@
 namespace {
 
 using Act = std::function<void(QWidget* window, CDialog& d)>;
-void PlayOnScreen(QWidget* window, CDialog& d, void* act) {
+void OnScreen(QWidget* window, CDialog& d, void* act) {
     window->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(window));
     (*static_cast<Act*>(act))(window, d);
 }
-void PlayScripted(CDialog& d, void* act) { (*static_cast<Act*>(act))(nullptr, d); }
+void Scripted(CDialog& d, void* act) { (*static_cast<Act*>(act))(nullptr, d); }
 
 QString Q(const CString& ansi) { return QString::fromStdString(AnsiToUtf8(ansi.GetString())); }
 QWidget* W(CDialog& d, int id) { return MwQtWidgetOf(d.GetDlgItem(id)); }
 template <class T> T* As(CDialog& d, int id) { return dynamic_cast<T*>(d.GetDlgItem(id)); }
+QString Text(CDialog& d, int id) { return qobject_cast<QLineEdit*>(W(d, id))->text(); }
 
-// The user's actions on screen: a click, a pick from the opened list, typing over the whole text.
+// The user on screen: a click; a pick from the opened list; typing over the whole text; a key to the focus.
 void Click(CDialog& d, int id) { QTest::mouseClick(W(d, id), Qt::LeftButton); }
 void Pick(CDialog& d, int id, const QString& text) {
     auto* box = qobject_cast<QComboBox*>(W(d, id));
     QTest::mouseClick(box, Qt::LeftButton);
-    ASSERT_TRUE(box->view()->isVisible()) << "list " << id << " did not open";
     const QModelIndex item = box->model()->index(box->findText(text), 0);
-    ASSERT_TRUE(item.isValid()) << "list " << id << " has no " << text.toStdString();
+    ASSERT_TRUE(box->view()->isVisible() && item.isValid()) << id << " " << text.toStdString();
     box->view()->scrollTo(item);
-    QTest::mouseMove(box->view()->viewport(), box->view()->visualRect(item).center());
-    QTest::mouseClick(box->view()->viewport(), Qt::LeftButton, {}, box->view()->visualRect(item).center());
+    const QPoint at = box->view()->visualRect(item).center();
+    QTest::mouseMove(box->view()->viewport(), at);
+    QTest::mouseClick(box->view()->viewport(), Qt::LeftButton, {}, at);
     QApplication::processEvents();
 }
 void Type(CDialog& d, int id, const QString& keys) {
-    QTest::mouseClick(W(d, id), Qt::LeftButton);
+    Click(d, id);
     QTest::keyClick(W(d, id), Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(W(d, id), keys);
 }
-// To the focus, which comes back to the dialog once a box has closed.
-void Key(Qt::Key key) {
+void Key(Qt::Key key) {  // the focus comes back to the dialog once a box has gone
     ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::focusWidget() != nullptr; }));
     QTest::keyClick(QApplication::focusWidget(), key);
 }
@@ -65,34 +63,27 @@ void ExpectMirrored(CDialog& d) {
     for (CWnd* c = d.GetWindow(GW_CHILD); c; c = c->GetWindow(GW_HWNDNEXT)) {
         SCOPED_TRACE(c->GetDlgCtrlID());
         QWidget* w = MwQtWidgetOf(c);
-        ASSERT_TRUE(w);
         CString text;
         c->GetWindowText(text);
-        EXPECT_EQ(w->isVisibleTo(w->window()), bool(c->IsWindowVisible()));
-        EXPECT_EQ(w->isEnabled(), bool(c->IsWindowEnabled()));
-        if (auto* e = qobject_cast<QLineEdit*>(w)) { EXPECT_EQ(Q(text), e->text()); }
-        if (auto* l = qobject_cast<QLabel*>(w)) { EXPECT_EQ(Q(text), l->text()); }
-        if (auto* b = qobject_cast<QAbstractButton*>(w)) { EXPECT_EQ(b->isChecked(), As<CButton>(d, c->GetDlgCtrlID())->GetCheck() == 1); }
-        if (auto* g = qobject_cast<QGroupBox*>(w)) { EXPECT_EQ(Q(text), g->title()); }
+        QString shown = Q(text);
+        if (auto* e = qobject_cast<QLineEdit*>(w)) shown = e->text();
+        if (auto* l = qobject_cast<QLabel*>(w)) shown = l->text();
+        if (auto* b = qobject_cast<QAbstractButton*>(w)) shown += b->isChecked() ? "*" : "";
+        if (auto* b = dynamic_cast<CButton*>(c); b && b->GetCheck()) text += "*";
         if (auto* box = qobject_cast<QComboBox*>(w)) {
-            auto* list = As<CComboBox>(d, c->GetDlgCtrlID());
-            EXPECT_EQ(list->GetCount(), box->count());
-            EXPECT_EQ(list->GetCurSel(), box->currentIndex());
-            EXPECT_EQ(Q(text), box->currentText());
+            auto* list = dynamic_cast<CComboBox*>(c);
+            EXPECT_EQ(list->GetCount() * 100 + list->GetCurSel(), box->count() * 100 + box->currentIndex());
+            shown = box->currentText();
         }
+        EXPECT_EQ(Q(text), shown);
+        EXPECT_EQ(bool(c->IsWindowVisible()), w->isVisibleTo(w->window()));
+        EXPECT_EQ(bool(c->IsWindowEnabled()), w->isEnabled());
     }
 }
 
-// The record's kind, datum and block (scale 1 if none), then the values saved.
+// The record's kind and datum, then the values saved in the registry.
 std::string State(CGeoReferenceData& r) {
-    ScaledProjectionParam s{1.0, 0.0, 0.0, 0, 0};
-    ProjectionParam p{};
-    if (r.GetProjection() == GaussKruger || r.GetProjection() == TransverseMercator) std::memcpy(&s, r.GetParam(), sizeof s);
-    else if (r.GetParam()) std::memcpy(&p, r.GetParam(), sizeof p), s = {1.0, p.c_lon, p.lat_origin, p.fe, p.fn};
-    char text[160];
-    std::snprintf(text, sizeof text, "%d %d %.10g %.10g %.10g %d %d |", r.GetProjection(), r.GetDatum(), s.scale,
-                  s.c_lon, s.lat_origin, int(s.fe), int(s.fn));
-    std::string state = text;
+    std::string state = std::to_string(r.GetProjection()) + " " + std::to_string(r.GetDatum()) + " |";
     HKEY key = nullptr;
     const bool open = RegOpenKeyExA(HKEY_CURRENT_USER, AppRegKey() + "\\GeoData", 0, KEY_READ, &key) == 0;
     for (const char* name : {"ProjectionIndex", "DatumIndex", "scale", "c_lon", "lat_origin", "fe", "fn"}) {
@@ -104,44 +95,30 @@ std::string State(CGeoReferenceData& r) {
     if (open) RegCloseKey(key);
     return state;
 }
-const std::string kUnsaved = " - - - - - - -";
 
-void Prepare(CGeoReferenceData& r, int kind, int datum, ScaledProjectionParam s = {}) {
+void Prepare(CGeoReferenceData& r, int kind, int datum) {
     r.CreateGeoInfo(kind, datum);
-    ProjectionParam p{s.c_lon, s.lat_origin, s.fe, s.fn};
+    ScaledProjectionParam s{0.5, 10.0, 20.0, 30, 40};
+    ProjectionParam p{10.0, 20.0, 30, 40};
     r.SetParam(kind == GaussKruger || kind == TransverseMercator ? static_cast<void*>(&s) : &p);
 }
-
-const char* const kKindNames[2][7] = {
-    {"", "Geographic", "UTM", "Gauss-Kruger", "Transverse Mercator", "Mercator", "Polar Stereographic"},
-    {"", "Географическая", "Универсальная поперечная Меркатора", "Гаусса-Крюгера", "Поперечная Меркатора",
-     "Меркатора", "Полярная стереографическая"}};
 
 class QtDialogs : public ::testing::TestWithParam<LANGID> {
 protected:
     void SetUp() override { SetThreadUILanguage(GetParam()); }
-    void TearDown() override { MwQtSetShownHook(nullptr, nullptr), MwSetDialogUser(nullptr, nullptr), SetThreadUILanguage(0); }
-    bool Russian() const { return GetParam() == LANG_RUSSIAN; }
-    QString Say(const char* english, const char* russian) const { return QString::fromUtf8(Russian() ? russian : english); }
-    QString Kind(int kind) const { return QString::fromUtf8(kKindNames[Russian()][kind]); }
-    // A case of its own (a registry key of its own), on screen or with the scripted user.
+    void TearDown() override { SetThreadUILanguage(0); }
+    QString Say(const char* english, const char* russian) const {
+        return QString::fromUtf8(GetParam() == LANG_RUSSIAN ? russian : english);
+    }
+    QString Kind(int kind) const { return Q(GetResourceString(831 + kind)); }  // as the list shows it
+    // A case of its own (its own registry key), on screen or with the scripted user.
     int Run(const Act& act, const std::function<int()>& open, bool onScreen = true) {
         SetAppRegKey(("Software\\Host\\Case" + std::to_string(++m_case)).c_str());
         m_act = act;
-        onScreen ? MwQtSetShownHook(&PlayOnScreen, &m_act) : MwSetDialogUser(&PlayScripted, &m_act);
+        onScreen ? MwQtSetShownHook(&OnScreen, &m_act) : MwSetDialogUser(&Scripted, &m_act);
         const int result = open();
         MwQtSetShownHook(nullptr, nullptr), MwSetDialogUser(nullptr, nullptr);
         return result;
-    }
-    // The message box the next action raises: its text; closed with its OK button.
-    void ExpectBox(QWidget* window, const QString& text) {
-        QTimer::singleShot(0, [=] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            ASSERT_TRUE(box);
-            EXPECT_EQ(window, box->parentWidget());
-            EXPECT_EQ(text, box->text());
-            QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
-        });
     }
     mwtest::IsolatedEnv m_env;
     Act m_act;
@@ -151,12 +128,10 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Languages, QtDialogs, ::testing::Values(LANG_ENGLISH_US, LANG_RUSSIAN),
                          [](const auto& info) { return info.param == LANG_RUSSIAN ? "Russian" : "English"; });
 
-// Every control where its template rectangle puts it, in pixels from the base
-// units of the 8-point sans-serif; Tab goes through the shown tab stops in
-// template order; Escape cancels.
+// Every control at its template rectangle in pixels from the base units of the
+// 8-point sans-serif; Tab through the shown tab stops in template order.
 TEST_P(QtDialogs, LaidOutFromTheTemplate) {
     for (bool geoid : {false, true}) {
-        SCOPED_TRACE(geoid);
         CGeoReferenceData r;
         Prepare(r, GaussKruger, 4);
         double height = 1.0;
@@ -165,7 +140,7 @@ TEST_P(QtDialogs, LaidOutFromTheTemplate) {
             QFont font(QStringLiteral("Sans Serif"));
             font.setStyleHint(QFont::SansSerif), font.setPointSize(8);
             const QFontMetrics m(font);
-            const int bx = (m.horizontalAdvance(QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz")) / 26 + 1) / 2;
+            const int bx = (m.horizontalAdvance("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 26 + 1) / 2;
             auto x = [&](int dlu) { return int(std::lround(dlu * bx / 4.0)); };
             auto y = [&](int dlu) { return int(std::lround(dlu * m.height() / 8.0)); };
             auto px = [&](int l, int t, int w, int h) { return QRect(x(l), y(t), x(l + w) - x(l), y(t + h) - y(t)); };
@@ -178,12 +153,12 @@ TEST_P(QtDialogs, LaidOutFromTheTemplate) {
             for (size_t i = 0; i < t.controlCount; ++i, c = c->GetWindow(GW_HWNDNEXT)) {
                 const MwDialogControl& tc = t.controls[i];
                 SCOPED_TRACE(tc.id);
-                ASSERT_TRUE(c && MwQtWidgetOf(c));
                 QWidget* w = MwQtWidgetOf(c);
+                ASSERT_TRUE(w);
                 // A drop-down list's template height includes the dropped list; its field is 13 units.
                 EXPECT_EQ(px(tc.x, tc.y, tc.cx, qobject_cast<QComboBox*>(w) ? 13 : tc.cy), w->geometry());
-                const bool named = (!qobject_cast<QLabel*>(w) && !qobject_cast<QGroupBox*>(w)) || c->GetWindowTextLength();
-                EXPECT_TRUE(!w->isVisible() || !named || !w->accessibleName().isEmpty());
+                const bool blank = (qobject_cast<QLabel*>(w) || !w->focusPolicy()) && !c->GetWindowTextLength();
+                EXPECT_TRUE(blank || !w->isVisible() || !w->accessibleName().isEmpty());
                 if ((tc.style & WS_TABSTOP) && w->isVisible()) tabs << w;
             }
             EXPECT_EQ(Say("Datum", "Датум"), W(d, 807)->accessibleName());
@@ -199,24 +174,24 @@ TEST_P(QtDialogs, LaidOutFromTheTemplate) {
     }
 }
 
-// Choices made with mouse and keys: stored on OK or Enter; a refusal's box
-// leaves the dialog open; Escape and the close box change nothing.
+// Mouse and keys: stored on OK or Enter; a refusal's box leaves the dialog
+// open; Escape and the close box change nothing.
 TEST_P(QtDialogs, ChooseWithMouseAndKeys) {
-    enum End { OkButton, Enter, Escape, CloseBox };
-    // The record's kind; what is picked (0, null: nothing); keys typed per row (null: none); how it ends.
-    const struct { int from, kind; const char *ellipsoid, *datum; std::vector<const char*> keys; End end; bool refused; int rc; std::string state; } cases[] = {
-        {4, GaussKruger, "Krassovsky 1940", "Pulkovo 1942", {"039000000E", nullptr, "7500000"}, OkButton, false, IDOK,
-         "3 4 1 39 0 7500000 0 | 3 4 1 39.000000 0.000000 7500000 0"},
+    enum End { OkButton, Enter, Refused, CloseBox };
+    // The record's kind; what is picked (0, null: nothing); the keys typed per row (null: none).
+    const struct { int from, kind; const char *ellipsoid, *datum; std::vector<const char*> keys; End end; std::string state; } cases[] = {
+        {4, GaussKruger, "Krassovsky 1940", "Pulkovo 1942", {"039000000E", nullptr, "7500000"}, OkButton,
+         "3 4 | 3 4 1 39.000000 0.000000 7500000 0"},
         {4, TransverseMercator, nullptr, nullptr, {"0.9996", "027300000W", "045000000S", "500000.7", "10000000"}, Enter,
-         false, IDOK, "4 3 0.9996 -27.5 -45 500000 10000000 | 4 3 0.999600 -27.500000 -45.000000 500000 10000000"},
-        {4, UTM, nullptr, nullptr, {"37", "s"}, OkButton, false, IDOK, "2 3 1 0 0 -1 37 | 2 3 37 0.000000 0.000000 -1 37"},
-        {5, 0, "Krassovsky 1940", nullptr, {}, Escape, true, IDCANCEL, "5 3 1 10 20 30 40 |" + kUnsaved},
-        {5, Mercator, nullptr, nullptr, {"012300000E"}, CloseBox, false, IDCANCEL, "5 3 1 10 20 30 40 |" + kUnsaved},
+         "4 3 | 4 3 0.999600 -27.500000 -45.000000 500000 10000000"},
+        {4, UTM, nullptr, nullptr, {"37", "s"}, OkButton, "2 3 | 2 3 37 0.000000 0.000000 -1 37"},
+        {5, 0, "Krassovsky 1940", nullptr, {}, Refused, "5 3 | - - - - - - -"},  // no datum; then Escape
+        {5, Mercator, nullptr, nullptr, {"012300000E"}, CloseBox, "5 3 | - - - - - - -"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
         CGeoReferenceData r;
-        Prepare(r, c.from, 3, {0.5, 10.0, 20.0, 30, 40});
+        Prepare(r, c.from, 3);
         const Act act = [&](QWidget* window, CDialog& d) {
             if (c.kind) Pick(d, 800, Kind(c.kind));
             if (c.ellipsoid) Pick(d, 806, c.ellipsoid);
@@ -224,17 +199,22 @@ TEST_P(QtDialogs, ChooseWithMouseAndKeys) {
             for (size_t row = 0; row < c.keys.size(); ++row)
                 if (c.keys[row]) Type(d, 801 + int(row), c.keys[row]);
             ExpectMirrored(d);
-            if (c.refused) {
-                ExpectBox(window, Say("Select datum", "Выберите датум"));
-                Click(d, IDOK);
+            if (c.end == Refused)
+                QTimer::singleShot(0, [&] {  // the box: owned by the dialog, its text, closed with OK
+                    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                    ASSERT_TRUE(box && box->parentWidget() == window);
+                    EXPECT_EQ(Say("Select datum", "Выберите датум"), box->text());
+                    QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
+                });
+            if (c.end == OkButton || c.end == Refused) Click(d, IDOK);
+            if (c.end == Refused) {
                 EXPECT_TRUE(window->isVisible() && d.IsRunning());
+                Key(Qt::Key_Escape);
             }
-            if (c.end == OkButton) Click(d, IDOK);
             if (c.end == Enter) Key(Qt::Key_Return);
-            if (c.end == Escape) Key(Qt::Key_Escape);
             if (c.end == CloseBox) window->close();
         };
-        EXPECT_EQ(c.rc, Run(act, [&] { return ModalPrChooseDlg(nullptr, &r, nullptr); }));
+        EXPECT_EQ(c.end <= Enter ? IDOK : IDCANCEL, Run(act, [&] { return ModalPrChooseDlg(nullptr, &r, nullptr); }));
         EXPECT_EQ(c.state, State(r));
     }
 }
@@ -243,8 +223,7 @@ TEST_P(QtDialogs, ChooseWithMouseAndKeys) {
 // chooses the file, which the caller has at once (also after Escape); the
 // typed height is stored on OK.
 TEST_P(QtDialogs, GeoidPanel) {
-    // In the folder the browse dialog starts in.
-    std::filesystem::create_directories(m_env.appDir() + "/Processing");
+    std::filesystem::create_directories(m_env.appDir() + "/Processing");  // where the file dialog starts
     const std::string grid = m_env.appDir() + "/Processing/geoid.grd";
     mwtest::WriteFile(grid, "grid");
     for (bool ok : {true, false}) {
@@ -255,14 +234,12 @@ TEST_P(QtDialogs, GeoidPanel) {
         const Act act = [&](QWidget*, CDialog& d) {
             auto panel = [&] { return QString("%1%2%3%4").arg(As<CButton>(d, 886)->GetCheck()).arg(As<CButton>(d, 887)->GetCheck())
                                    .arg(W(d, 820)->isVisible()).arg(W(d, 822)->isVisible()); };
-            EXPECT_EQ(" 12.50", qobject_cast<QLineEdit*>(W(d, 820))->text());
+            EXPECT_EQ(" 12.50", Text(d, 820));
             EXPECT_EQ("1010", panel());
             Click(d, 887);
             EXPECT_EQ("0101", panel());
             QTimer::singleShot(0, [&] {
-                auto* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-                ASSERT_TRUE(chooser);
-                auto* name = chooser->findChild<QLineEdit*>("fileNameEdit");
+                auto* name = QApplication::activeModalWidget()->findChild<QLineEdit*>("fileNameEdit");
                 QTest::mouseClick(name, Qt::LeftButton);
                 QTest::keyClicks(name, "geoid.grd");
                 QTest::keyClick(name, Qt::Key_Return);
@@ -273,23 +250,22 @@ TEST_P(QtDialogs, GeoidPanel) {
             if (!ok) return Key(Qt::Key_Escape);
             Click(d, 886);
             EXPECT_EQ("1010", panel());
-            EXPECT_EQ("0.0", qobject_cast<QLineEdit*>(W(d, 820))->text());
+            EXPECT_EQ("0.0", Text(d, 820));
             Type(d, 820, "35.7");
             Click(d, IDOK);
         };
         const int rc = Run(act, [&] { return ModalPrAndGeoidDlg(nullptr, &r, &height, &file); });
-        EXPECT_EQ((ok ? "1 35.7 " : "2 12.5 " + grid), std::to_string(rc) + " " + QString::number(height).toStdString() + " " + file.GetString());
+        EXPECT_EQ(ok ? "1 35.7 " : "2 12.5 " + grid, QString("%1 %2 ").arg(rc).arg(height).toStdString() + file.GetString());
     }
 }
 
-// One scenario played by the scripted user and on screen: the same record and the same values saved.
+// One scenario played by the scripted user and on screen: the same record, the same values saved.
 TEST_P(QtDialogs, SameRecordHeadlessAndOnScreen) {
     const std::pair<int, QString> steps[] = {{800, Kind(Mercator)}, {806, "WGS 72"}, {807, "WGS 72"},
         {801, "012° 30' 00.00'' E"}, {802, "045° 00' 00.00'' S"}, {803, "250000"}, {804, "-100"}, {IDOK, ""}};
     for (bool onScreen : {false, true}) {
-        SCOPED_TRACE(onScreen);
         CGeoReferenceData r;
-        Prepare(r, TransverseMercator, 3, {0.5, 10.0, 20.0, 30, 40});
+        Prepare(r, TransverseMercator, 3);
         const Act act = [&](QWidget*, CDialog& d) {
             for (const auto& [id, text] : steps) {
                 const std::string ansi = Utf8ToAnsi(text.toStdString());
@@ -299,11 +275,11 @@ TEST_P(QtDialogs, SameRecordHeadlessAndOnScreen) {
             }
         };
         EXPECT_EQ(IDOK, Run(act, [&] { return ModalPrChooseDlg(nullptr, &r, nullptr); }, onScreen));
-        EXPECT_EQ("5 1 1 12.5 -45 250000 -100 | 5 1 1 12.500000 -45.000000 250000 -100", State(r));
+        EXPECT_EQ("5 1 | 5 1 1 12.500000 -45.000000 250000 -100", State(r)) << onScreen;
     }
 }
 
-// A Qt host's own window owns the dialog (CQtParentWnd), and its QApplication runs the loop.
+// A Qt host's window owns the dialog (CQtParentWnd); the host's QApplication runs the loop.
 TEST(QtHost, OwnsTheDialog) {
     mwtest::IsolatedEnv env;
     int argc = 1;
@@ -313,15 +289,15 @@ TEST(QtHost, OwnsTheDialog) {
     host.show();
     CQtParentWnd parent(&host);
     CGeoReferenceData r;
-    bool shown = false;
+    bool owned = false;
     Act act = [&](QWidget* window, CDialog& d) {
-        shown = window->parentWidget() == &host && window->isModal() && MwQtWidgetOf(&d) == window;
+        owned = window->parentWidget() == &host && window->isModal() && MwQtWidgetOf(&d) == window;
         Key(Qt::Key_Escape);
     };
-    MwQtSetShownHook(&PlayOnScreen, &act);
+    MwQtSetShownHook(&OnScreen, &act);
     EXPECT_EQ(IDCANCEL, ModalPrChooseDlg(&parent, &r, nullptr));
     MwQtSetShownHook(nullptr, nullptr);
-    EXPECT_TRUE(shown);
+    EXPECT_TRUE(owned);
     EXPECT_EQ(&app, QCoreApplication::instance());
 }
 
