@@ -1,4 +1,4 @@
-// The two dialogs on screen (offscreen), worked with real mouse clicks and keys.
+// Both dialogs on screen (offscreen), worked with real mouse clicks and keys.
 #include <gtest/gtest.h>
 #include <mapwright/mapwright.h>
 #include <mapwright/qt.h>
@@ -43,12 +43,12 @@ void Type(CDialog& d, int id, const QString& keys) {
     QTest::keyClick(W(d, id), Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(W(d, id), keys);
 }
-void Key(Qt::Key key) {  // the focus is back once a box has gone
+void Key(Qt::Key key) {  // to the focus, back once a box has gone
     ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::focusWidget() != nullptr; }));
     QTest::keyClick(QApplication::focusWidget(), key);
 }
 
-// Every widget shows its model window: shown, enabled, text, check, items, selection.
+// Every widget shows its model window (shown, enabled, text, check, items, selection).
 void ExpectMirrored(CDialog& d) {
     for (CWnd* c = d.GetWindow(GW_CHILD); c; c = c->GetWindow(GW_HWNDNEXT)) {
         QWidget* w = MwQtWidgetOf(c);
@@ -161,7 +161,7 @@ TEST_P(QtDialogs, LaidOutFromTheTemplate) {
 // Stored on OK or Enter; a refusal's box leaves the dialog open; the close box stores nothing.
 TEST_P(QtDialogs, ChooseWithMouseAndKeys) {
     enum End { OkButton, Enter, Refused };
-    // The picks (0, null: none) on a Transverse Mercator record; keys per row (null: none).
+    // The picks (0, null: none) on a Transverse Mercator record; keys per row.
     const struct { int kind; const char *ellipsoid, *datum; std::vector<const char*> keys; End end; std::string state; } cases[] = {
         {GaussKruger, "Krassovsky 1940", "Pulkovo 1942", {"039000000E", nullptr, "7500000"}, OkButton,
          "3 4 | 3 4 1 39.000000 0.000000 7500000 0"},
@@ -211,7 +211,7 @@ TEST_P(QtDialogs, GeoidPanel) {
         double height = 12.5;
         CString file;
         const Act act = [&](QWidget*, CDialog& d) {
-            auto* edit = qobject_cast<QLineEdit*>(W(d, 820));  // the height; it and the file control shown
+            auto* edit = qobject_cast<QLineEdit*>(W(d, 820));  // the height, shown or the file
             auto panel = [&] { return edit->text() + QString::number(edit->isVisible() * 10 + W(d, 822)->isVisible()); };
             EXPECT_EQ(" 12.5010", panel());
             Click(d, 887);
