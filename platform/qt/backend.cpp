@@ -15,8 +15,8 @@
 namespace mwqt {
 namespace {
 
-#define WS_CAPTION 0x00C00000u
-#define WS_SYSMENU 0x00080000u
+// Window styles the window model does not name.
+constexpr DWORD kCaption = 0x00C00000u, kSysMenu = 0x00080000u;
 
 std::mutex g_hookLock;
 MwQtShownHook g_shownHook = nullptr;
@@ -89,10 +89,10 @@ __attribute__((constructor)) void InstallOnLoad() { MwQtInstall(); }
 
 DialogWindow::DialogWindow(CDialog& dialog, QWidget* owner) : QDialog(owner), m_dialog(dialog) {
     const MwDialogTemplate* dialogTemplate = dialog.GetTemplate();
-    const DWORD style = dialogTemplate ? dialogTemplate->style : WS_CAPTION | WS_SYSMENU;
+    const DWORD style = dialogTemplate ? dialogTemplate->style : kCaption | kSysMenu;
     Qt::WindowFlags flags = Qt::Dialog | Qt::CustomizeWindowHint;
-    flags |= (style & WS_CAPTION) == WS_CAPTION ? Qt::WindowTitleHint : Qt::FramelessWindowHint;
-    if (style & WS_SYSMENU) flags |= Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+    flags |= (style & kCaption) == kCaption ? Qt::WindowTitleHint : Qt::FramelessWindowHint;
+    if (style & kSysMenu) flags |= Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
     setWindowFlags(flags);
     setModal(true);
     CString caption;

@@ -21,9 +21,8 @@
 namespace mwqt {
 namespace {
 
-#define SS_TYPEMASK 0x1Fu
-#define SS_CENTER 0x1u
-#define SS_RIGHT 0x2u
+// Static styles the window model does not name.
+constexpr DWORD kStaticTypeMask = 0x1Fu, kStaticCenter = 0x1u, kStaticRight = 0x2u, kStaticNoPrefix = 0x80u;
 
 // An edit whose typing goes through the model's rules (a masked edit's
 // mask); the widget only moves the caret and selects.
@@ -204,9 +203,10 @@ QWidget* MakeWidget(DialogWindow& window, CWnd& model, QWidget* parent) {
         auto* label = new QLabel(parent);
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);  // a static wraps its text within its rectangle
-        const DWORD type = model.GetStyle() & SS_TYPEMASK;
-        label->setAlignment(Qt::AlignTop |
-                            (type == SS_CENTER ? Qt::AlignHCenter : type == SS_RIGHT ? Qt::AlignRight : Qt::AlignLeft));
+        const DWORD type = model.GetStyle() & kStaticTypeMask;
+        label->setAlignment(Qt::AlignTop | (type == kStaticCenter  ? Qt::AlignHCenter
+                                            : type == kStaticRight ? Qt::AlignRight
+                                                                   : Qt::AlignLeft));
         return label;
     }
     // Any other window (a compound control such as a file picker) is the
@@ -247,7 +247,7 @@ void RefreshWidget(const Control& control) {
         if (!same) combo->clear(), combo->addItems(items);
         if (combo->currentIndex() != list.GetCurSel()) combo->setCurrentIndex(list.GetCurSel());
     } else if (auto* label = qobject_cast<QLabel*>(widget)) {
-        SetLabelText(label, model.GetStyle() & 0x80u ? text : WithoutMnemonic(text));  // SS_NOPREFIX keeps "&"
+        SetLabelText(label, model.GetStyle() & kStaticNoPrefix ? text : WithoutMnemonic(text));
     } else if (auto* group = qobject_cast<QGroupBox*>(widget)) {
         group->setTitle(text);
     } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
