@@ -148,6 +148,39 @@ private:
     bool m_picked = false;
 };
 
+// A radio button. The arrow keys go round its WS_GROUP group as the dialog
+// manager does: the focus moves to the next shown, enabled control of the
+// group, and an auto radio button that gets it is clicked.
+class ModelRadio : public QRadioButton {
+public:
+    ModelRadio(DialogWindow& window, CButton& model, QWidget* parent)
+        : QRadioButton(parent), m_window(window), m_model(model) {
+        setAutoExclusive(false);  // the model unchecks the group, as the button procedure does
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const int key = event->key();
+        if (key != Qt::Key_Up && key != Qt::Key_Down && key != Qt::Key_Left && key != Qt::Key_Right)
+            return QRadioButton::keyPressEvent(event);
+        CWnd* parent = m_model.GetParent();
+        const BOOL back = key == Qt::Key_Up || key == Qt::Key_Left;
+        CWnd* next = parent ? parent->GetNextDlgGroupItem(&m_model, back) : nullptr;
+        while (next && next != &m_model && !(next->IsWindowVisible() && next->IsWindowEnabled()))
+            next = parent->GetNextDlgGroupItem(next, back);
+        QWidget* widget = next && next != &m_model ? m_window.WidgetOf(next->GetSafeHwnd()) : nullptr;
+        if (!widget) return;
+        widget->setFocus(Qt::TabFocusReason);
+        auto* radio = dynamic_cast<CButton*>(next);
+        if (radio && (radio->GetStyle() & BS_TYPEMASK) == BS_AUTORADIOBUTTON)
+            m_window.Deliver([radio] { radio->Click(); });
+    }
+
+private:
+    DialogWindow& m_window;
+    CButton& m_model;
+};
+
 // Sets a static's text, in a smaller font when the dialog font does not fit
 // it in the rectangle: the templates were measured against a narrower font
 // than the sans-serif fonts of today, and a cut label says nothing.
@@ -175,12 +208,9 @@ QWidget* MakeButton(DialogWindow& window, CButton& model, QWidget* parent) {
         button = box;
         break;
     }
-    case BS_RADIOBUTTON: case BS_AUTORADIOBUTTON: {
-        auto* radio = new QRadioButton(parent);
-        radio->setAutoExclusive(false);  // the model unchecks the group, as the button procedure does
-        button = radio;
+    case BS_RADIOBUTTON: case BS_AUTORADIOBUTTON:
+        button = new ModelRadio(window, model, parent);
         break;
-    }
     default: {
         auto* push = new QPushButton(parent);
         push->setDefault((model.GetStyle() & BS_TYPEMASK) == BS_DEFPUSHBUTTON);

@@ -22,6 +22,6 @@ TEST(QtLoading, OnDemandAndOnlyWithADisplay) {
     setHook([](QWidget* window, CDialog&, void*) { window->close(); }, nullptr);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     EXPECT_EQ(IDCANCEL, ModalPrChooseDlg(nullptr, &r, nullptr));
-    EXPECT_FALSE(QCoreApplication::instance());  // the loop's own application is gone
+    EXPECT_FALSE(QCoreApplication::instance());  // the loop's own one is gone
     setHook(nullptr, nullptr);
 }
