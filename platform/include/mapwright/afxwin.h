@@ -559,8 +559,8 @@ public:
     // rectangle), runs OnInitDialog, shows the dialog and hands it to the
     // user: the scripted user when one is set, else the window back end.
     // Returns what EndDialog was given; -1 when the dialog could not be
-    // created (no template; no user, and no back end or no display) or the user went away
-    // without ending it. The controls are destroyed before it returns (bound
+    // created (no template; no user, and no back end or no display) or the
+    // user went away without ending it. The controls are destroyed before it returns (bound
     // members keep their state).
     virtual INT_PTR DoModal();
 
