@@ -4,7 +4,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QPointer>
 #include <QTimer>
 
 #include <memory>
@@ -36,7 +35,7 @@ BOOL CanShow(void*) {
     return UsablePlatform().empty() ? FALSE : TRUE;
 }
 
-// An application for one modal run, on the plugin that was found usable.
+// An application for one modal run (the host has none), on the plugin found usable.
 std::unique_ptr<QApplication> MakeApplication() {
     const std::string platform = UsablePlatform();
     if (platform.empty()) return nullptr;
