@@ -6,7 +6,7 @@ BENCH_BUILD ?= build-bench
 JOBS       ?= $(shell nproc)
 CMAKE_ARGS ?=
 
-.PHONY: all deps build test test-plain test-sanitize demo bench install clean
+.PHONY: all deps build test test-plain test-sanitize demo screenshots bench install clean
 
 all: build
 
@@ -58,6 +58,15 @@ demo: build
 	echo; paste -d' ' "$$tmp/gk.txt" "$$tmp/back.txt" | awk '{ d = sqrt(($$1 - $$6) ^ 2 + ($$2 - $$7) ^ 2); \
 	  if (d > m) m = d; v = $$3 - $$8; if (v < 0) v = -v; if (v > mv) mv = v } \
 	  END { printf "Largest round-trip difference: %.4f m across, %.4f m in height\n", m, mv }'
+
+# The pictures of the two dialogs in docs/images, English and Russian: real
+# widgets on Qt's offscreen platform (DejaVu Sans has the Cyrillic and the
+# degree sign), on a copy of the shipped catalogs; nothing is saved.
+screenshots: build
+	@set -e; tmp=$$(mktemp -d); trap 'rm -rf "$$tmp"' EXIT; \
+	cp -R "data/Auxiliary Data" "$$tmp/"; mkdir -p docs/images; \
+	MAPWRIGHT_APPDIR="$$tmp" MAPWRIGHT_REGISTRY="$$tmp/registry.sqlite3" XDG_RUNTIME_DIR="$$tmp" \
+	QT_QPA_PLATFORM=offscreen $(BUILD)/tools/screenshots/mw_screenshots docs/images
 
 bench: deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DMAPWRIGHT_BENCH=ON -DMAPWRIGHT_TESTS=OFF $(CMAKE_ARGS)

@@ -15,6 +15,21 @@ foreach(layer platform basalt refsys transform coord ui)
     FILES_MATCHING PATTERN "*.h")
 endforeach()
 
+# The Qt back end, when built: beside the platform library (where DoModal
+# looks for it), in an export set of its own so that only a host asking for
+# Mapwright::qt needs Qt.
+if(TARGET mapwright-qt)
+  install(TARGETS mapwright-qt
+    EXPORT MapwrightQtTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/platform/qt/include/mapwright/qt.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mapwright)
+  install(EXPORT MapwrightQtTargets
+    NAMESPACE Mapwright::
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Mapwright)
+endif()
+
 install(DIRECTORY "${MAPWRIGHT_DATA_SOURCE_DIR}/Auxiliary Data"
   DESTINATION ${MAPWRIGHT_INSTALL_DATADIR})
 

@@ -2,9 +2,12 @@
 // plays the user: a scripted one or a window back end.
 #include <mapwright/afxwin.h>
 
+#include <dlfcn.h>
+
 #include <atomic>
 #include <cstring>
 #include <mutex>
+#include <string>
 
 #include <mapwright/resources.h>
 
@@ -24,6 +27,24 @@ std::atomic<const MwWindowBackEnd*> g_backEnd{nullptr};
 DialogUser CurrentUser() {
     std::lock_guard<std::mutex> guard(g_userLock);
     return g_user;
+}
+
+// The window back end when none is set yet: the Qt one, loaded once from
+// the directory of this library (where it is built and installed); loading
+// it registers it. Null when it cannot be loaded.
+const MwWindowBackEnd* BackEndOnDemand() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        if (g_backEnd.load()) return;
+        Dl_info self{};
+        if (!dladdr(reinterpret_cast<void*>(&MwSetWindowBackEnd), &self) || !self.dli_fname) return;
+        const std::string path = self.dli_fname;
+        const size_t slash = path.rfind('/');
+        const std::string dir = slash == std::string::npos ? "." : path.substr(0, slash);
+        // Never unloaded: its windows and its registration live as long as the process.
+        dlopen((dir + "/" MW_QT_BACKEND).c_str(), RTLD_NOW | RTLD_LOCAL);
+    });
+    return g_backEnd.load();
 }
 
 bool SameClass(const char* a, const char* b) {
@@ -124,6 +145,7 @@ INT_PTR CDialog::DoModal() {
     if (!dialogTemplate) return -1;
     const DialogUser user = CurrentUser();
     const MwWindowBackEnd* backEnd = user.user ? nullptr : g_backEnd.load();
+    if (!user.user && !backEnd) backEnd = BackEndOnDemand();
     // Nobody to show the dialog to: it cannot be created, and nothing of it
     // runs (OnInitDialog may change the caller's data).
     if (!user.user && !(backEnd && backEnd->canShow && backEnd->runModal && backEnd->canShow(backEnd->context)))

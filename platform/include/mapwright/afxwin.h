@@ -2,9 +2,10 @@
 // hold what a real window would show (text, visibility, enabled state, the
 // control id, a check state, the items of a list) and answer the same calls
 // and messages. There is no toolkit and no event loop here; real windows come
-// later from a window back end that mirrors these objects and feeds user
-// actions into them (for an edit, CEdit::TypeChar). Until then tests play the
-// user. Text is single-byte Windows-1251, as everywhere in the library.
+// from a window back end (the Qt one, libmapwright-qt.so) that mirrors these
+// objects and feeds the user's actions into them (for an edit,
+// CEdit::TypeChar). Text is single-byte Windows-1251, as everywhere in the
+// library.
 //
 // Each model window has a handle (m_hWnd) from construction to destruction,
 // so ::SendMessageA reaches it like a Windows window; a handle of a destroyed
@@ -15,8 +16,9 @@
 // chain. Controls tell their parent what the user did with WM_COMMAND, which
 // the parent's message map routes to its handlers, as MFC does. Who the user
 // is: a scripted one set with MwSetDialogUser (tests, headless hosts), else a
-// window back end set with MwSetWindowBackEnd, else nobody and DoModal
-// returns -1.
+// window back end set with MwSetWindowBackEnd or, when none is set, the Qt
+// one that DoModal loads from the directory of the platform library; when
+// there is none, or it finds no display, DoModal returns -1.
 #ifndef MAPWRIGHT_AFXWIN_H
 #define MAPWRIGHT_AFXWIN_H
 
@@ -557,8 +559,8 @@ public:
     // rectangle), runs OnInitDialog, shows the dialog and hands it to the
     // user: the scripted user when one is set, else the window back end.
     // Returns what EndDialog was given; -1 when the dialog could not be
-    // created (no template, no user and no back end) or the user went away
-    // without ending it. The controls are destroyed before it returns (bound
+    // created (no template; no user, and no back end or no display) or the
+    // user went away without ending it. The controls are destroyed before it returns (bound
     // members keep their state).
     virtual INT_PTR DoModal();
 
@@ -613,7 +615,7 @@ typedef void (*MW_DIALOG_USER)(CDialog& dialog, void* context);
 MW_API void MwSetDialogUser(MW_DIALOG_USER user, void* context);
 
 // A window back end: real windows for the model. Set by the back end's
-// library; DoModal uses it when no scripted user is set.
+// library when it is loaded; DoModal uses it when no scripted user is set.
 struct MwWindowBackEnd {
     // Whether windows can be shown now (a display could be opened).
     BOOL (*canShow)(void* context);
