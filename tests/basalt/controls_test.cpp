@@ -93,7 +93,7 @@ TEST(ListFrame, CellsKeepTheirTextAndMask) {
     EXPECT_EQ(std::string(buf, 5), std::string("045\0#", 5));
     EXPECT_EQ(list.GetItemText(7, 0, buf, 8) + buf[0], 0);  // no such cell: empty
     EXPECT_EQ(std::to_string(list.GetItemText(0, 0, buf, 3)) + buf, "2ne");  // "new" cut to leave room for the NUL
-    EXPECT_EQ(list.GetItemText(0, 0, buf, 1) + buf[0], 0);
+    EXPECT_EQ(list.GetItemText(0, 0, buf, 1) + buf[0] + list.GetItemText(0, 0, buf, 0) + list.GetItemText(0, 0, nullptr, 8), 0);
     EXPECT_TRUE(list.TypeChar(0, 1, 0, 'x') && !list.TypeChar(0, 1, 2, 'z'));  // no mask
     EXPECT_TRUE(list.DeleteItem(1) && !list.DeleteItem(2) && list.DeleteAllItems());
     EXPECT_EQ(list.GetItemCount(), 0);

@@ -21,6 +21,7 @@ TEST(CString, CopiesFormatsAndRanges) {
     EXPECT_EQ(std::make_tuple(6, -1, 0), std::make_tuple(s.Find("South"), s.Find('N', 100), s.GetAt(100) + s.GetAt(-1)));
     CString blanks(" \t\r\n\v\fa`z{\f\v\n\r\t ");
     EXPECT_EQ(CString("A`Z{"), blanks.Trim().MakeUpper());
+    EXPECT_EQ(CString("a`z{@["), (blanks + "@[").MakeLower());
 }
 
 TEST(Codepage, RoundTrip) {

@@ -130,7 +130,7 @@ TEST_F(Profile, ListsAndUnusableFiles) {
     WriteFile(file, "A=0\n[One]\nA=1\nb=2\na=3\nodd\n[Two]\n[one]\nC=4\n[Three]\n");
     const struct { const char* sec; DWORD size; std::string buf; DWORD n; } cases[] = {
         {nullptr, 16, S("One\0Two\0Three\0\0#", 16), 14}, {nullptr, 14, S("One\0Two\0Thre\0\0", 14), 12},
-        {"ONE", 8, S("A\0b\0\0###", 8), 4}, {"Two", 4, S("\0\0##", 4), 0},
+        {"ONE", 8, S("A\0b\0\0###", 8), 4}, {"Two", 4, S("\0\0##", 4), 0}, {"Three", 4, S("\0\0##", 4), 0},
     };
     for (const auto& c : cases) EXPECT_EQ(List(file, c.sec, c.size), std::make_pair(c.buf, c.n)) << c.size;
 }

@@ -11,8 +11,10 @@
 TEST(QtLoading, OnDemandAndOnlyWithADisplay) {
     mwtest::IsolatedEnv env;
     ASSERT_FALSE(dlopen(MW_QT_SONAME, RTLD_NOW | RTLD_NOLOAD));
-    setenv("QT_QPA_PLATFORM", "xcb", 1), unsetenv("DISPLAY");
     CGeoReferenceData r;
+    setenv("QT_QPA_PLATFORM", "xcb", 1), setenv("DISPLAY", ":77", 1);  // no server there
+    EXPECT_EQ(-1, ModalPrChooseDlg(nullptr, &r, nullptr));
+    unsetenv("DISPLAY");
     EXPECT_EQ(-1, ModalPrChooseDlg(nullptr, &r, nullptr));
     EXPECT_EQ(-1, r.GetProjection());  // nothing of the dialog ran
     void* qt = dlopen(MW_QT_SONAME, RTLD_NOW | RTLD_NOLOAD);

@@ -155,6 +155,7 @@ TEST_P(Dialogs, OpensOnTheRecord) {
         {TransverseMercator, 3, {0.9996, 39.0, 0.0, 500000, 0}, TransverseMercator,
          "0.999600|039\xB0 00' 00.00'' E|000\xB0 00' 00.00'' N|500000|0|WGS 84|WGS 84"},
         {GaussKruger, 4, {1.0, 21.0, 0.0, 4500000, 0}, UTM, "37|N|~|~|~|Krassovsky 1940|Pulkovo 1942"},
+        {Mercator, 3, {1.0, -21.5, 30.0, 100, -200}, Mercator, "021\xB0 30' 00.00'' W|030\xB0 00' 00.00'' N|100|-200|~|WGS 84|WGS 84"},
         {-1, -1, {}, Geographic, "~|~|~|~|~|WGS 84|WGS 84"},
     };
     ProjectionParamTag tag{};
