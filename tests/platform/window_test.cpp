@@ -84,6 +84,8 @@ TEST(ComboBox, SortingSelectionAndSearch) {
     EXPECT_EQ(box.GetCurSel(), 2);
     EXPECT_EQ(box.DeleteString(2), 6);
     EXPECT_EQ(box.GetCurSel() + box.InsertString(7, "w") + box.GetLBTextLen(6), 3 * R);
+    char item[16] = "";
+    EXPECT_EQ(box.GetLBText(box.GetCount(), item) + box.GetLBText(-1, item) + box.GetLBText(0, nullptr), 3 * R);
     EXPECT_EQ(box.InsertString(-1, "0"), 6);
     EXPECT_EQ(box.InsertString(0, "z"), 0);
     EXPECT_EQ(box.SetCurSel(9), R);

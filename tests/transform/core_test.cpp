@@ -49,6 +49,8 @@ TEST(Core, HelpersStateAndArea) {
         EXPECT_TRUE(s.latMin == -90 && s.lonMin == -180 && s.latMax == 90 && s.lonMax == 180);
     }
     EXPECT_EQ(projection_state_init(nullptr, kA, kRf, 0, 0), -1);
+    ProjState t{};
+    EXPECT_EQ(tm_init(&t, kA, kRf, 0, 0, 1) + 10 * tm_init(nullptr, kA, kRf, 0, 0, 1), 10 * kStatusNoState);
     EXPECT_TRUE(P(tm_create(kA, kRf, 0, 0, 1))->tm.smallFoot == 1 && P(tm_create(kA, 50, 0, 0, 1))->tm.smallFoot == 0);
     P c0(tm_create(kA, kRf, 0, 0, 1)), c170(tm_create(kA, kRf, 0, 170, 1));
     ProjState g{};

@@ -150,7 +150,8 @@ TEST_P(Dialogs, OkStoresTheChoiceOrRefuses) {
 
 // What the dialog shows; Cancel leaves the record, but an unset one has had the default system.
 TEST_P(Dialogs, OpensOnTheRecord) {
-    // The record (-1: unset; Gauss-Kruger: with a UTM tag); the kind, rows ("~": hidden) and lists shown.
+    // The record (-1: unset; Gauss-Kruger: with a UTM tag; Mercator: with a tag "UTx", no UTM); the kind, rows
+    // ("~": hidden) and lists shown.
     const struct { int kind, datum; ScaledProjectionParam block; int shownKind; std::string look; } cases[] = {
         {TransverseMercator, 3, {0.9996, 39.0, 0.0, 500000, 0}, TransverseMercator,
          "0.999600|039\xB0 00' 00.00'' E|000\xB0 00' 00.00'' N|500000|0|WGS 84|WGS 84"},
@@ -160,6 +161,8 @@ TEST_P(Dialogs, OpensOnTheRecord) {
     };
     ProjectionParamTag tag{};
     std::strcpy(tag.szProjName, "UTM"), tag.fe = 1, tag.fn = 37;
+    ProjectionParamTag notUtm = tag;
+    std::strcpy(notUtm.szProjName, "UTx");
     Texts kinds;  // in order in the Russian template, sorted in the English one
     for (int k : GetParam() == LANG_RUSSIAN ? std::vector<int>{1, 2, 3, 4, 5, 6} : std::vector<int>{3, 1, 5, 6, 4, 2})
         kinds.push_back(Kind(k));
@@ -176,7 +179,7 @@ TEST_P(Dialogs, OpensOnTheRecord) {
             EXPECT_EQ(kinds, Items(d, 800));
             Pick(d, 800, Kind(PolarStereographic)), Click(d, IDCANCEL);
         };
-        EXPECT_EQ(IDCANCEL, Choose(record, user, c.kind == GaussKruger ? &tag : nullptr));
+        EXPECT_EQ(IDCANCEL, Choose(record, user, c.kind == GaussKruger ? &tag : c.kind == Mercator ? &notUtm : nullptr));
         EXPECT_EQ(before, State(record));
     }
 }
