@@ -181,6 +181,7 @@ TEST_F(Profile, CrashBeforeRenameLeavesOldFileWhole) {
     ASSERT_EQ(WEXITSTATUS(st), 86);
     EXPECT_EQ(ReadFile(file) + std::to_string(Entries(dir.path()).size()), "[F]\n2");
     WriteFile(dir.file(".a.ini.mwtmp-NOT.OURS"), "");  // characters our temporaries never have
+    WriteFile(dir.file(".a.ini.mwtmp-09az09az"), "");  // a leftover of ours
     ASSERT_TRUE(Put(file, "G", "N", "2"));  // the next writer clears the leftover
     EXPECT_EQ(ReadFile(file), "[F]\n[G]\r\nN=2\r\n");
     EXPECT_EQ(Entries(dir.path()), (Names{".a.ini.mwtmp-NOT.OURS", "a.ini"}));

@@ -16,7 +16,8 @@ TEST(Resources, LanguageByCallOrEnvironment) {
     HMODULE m = MwRegisterModule(&kModule);
     EXPECT_EQ(m, GetModuleHandleA("TESTMODULE.dll"));
     const struct { const char *ui, *lcAll, *lang; UINT id; std::string text; } cases[] = {
-        {"en", "ru_RU", nullptr, 832, "Geographic"}, {nullptr, "", "ru_RU.CP1251", 900, "only English"}, {nullptr, nullptr, "de", 886, ""},
+        {"en", "ru_RU", nullptr, 832, "Geographic"}, {nullptr, "", "ru_RU.CP1251", 900, "only English"},
+        {nullptr, "", "ru_RU.UTF-8", 832, "\xC3\xE5\xEE"}, {nullptr, nullptr, "de", 886, ""},
     };
     auto set = [](const char* name, const char* value) { value ? setenv(name, value, 1) : unsetenv(name); };
     for (const auto& c : cases) {
