@@ -187,9 +187,10 @@ TEST_F(Catalogs, CreateGeoInfoAndItsScans) {
     for (auto& c : rows) {
         R k;
         if (c[0] > 0) k.SetProjection(int(c[0]));
-        k.m_nDatumValues[0] = 99;
+        k.m_nDatumValues[0] = 99, k.m_dGeoInfo[1] = 99;
         EXPECT_EQ(c[3], k.CreateGeoInfo(int(c[1]), int(c[2]))) << c[1] << " " << c[2];
-        EXPECT_TRUE(k.GetProjection() == c[4] && k.GetDatum() == c[5] && k.GetEllipsoid() == c[6] && k.m_dGeoInfo[0] == c[7] && !k.m_nDatumValues[0]) << c[1] << " " << c[2];
+        EXPECT_TRUE(k.GetProjection() == c[4] && k.GetDatum() == c[5] && k.GetEllipsoid() == c[6] && k.m_dGeoInfo[0] == c[7] && (k.m_dGeoInfo[1] == 0) == (c[7] == 0) &&
+                    !k.m_nDatumValues[0]) << c[1] << " " << c[2];
     }
     // Scans stop at a gap, take the last duplicate and read numbers as atoi does.
     m_d += Datum(5, 3, "WGS 84 (again)", "7", "1 2 3 4 5 6") + Datum(6, 6, "Odd values", "05", "70000 -40000 12abc x  -1");

@@ -151,7 +151,7 @@ TEST(Core, DatumShiftMethodsAndClosedForms) {
     const struct { double aF, rfF; const short* fF; double aT, rfT; const short* fT; short m; } rows[] = {
         {kA72, kRf72, k0s, kA, kRf, k0s, 72}, {kA, kRf, k0s, kA72, kRf72, k0s, -72}, {kA66, kRf66, k0s, kA, kRf, k0s, 66},
         {kA, kRf, k0s, kA66, kRf66, k0s, -66}, {kA72 + .005, kRf72 + 5e-7, nullptr, kA - .005, kRf - 5e-8, k0s, 72},
-        {kA72 + .02, kRf72, k0s, kA, kRf, k0s, 2}, {kA72, kRf72 - 2e-6, k0s, kA, kRf, k0s, 2}, {kA72, kRf72, kOth, kA, kRf, k0s, 2},
+        {kA72 + .02, kRf72, k0s, kA, kRf, k0s, 2}, {kA72, kRf72 - 2e-6, k0s, kA, kRf, k0s, 2}, {kA66, kRf66 + 5e-6, k0s, kA, kRf, k0s, 2}, {kA72, kRf72, kOth, kA, kRf, k0s, 2},
         {kA66, kRf66, k0s, kA, kRf + 2e-7, k0s, 0}, {kKA, kKRf, kPul, kA, kRf, k0s, 2}, {kA, kRf, nullptr, kKA, kKRf, kPul, -2},
         {kA, kRf, k0s, kA, kRf, kOth, -2}, {kKA, kKRf, kPul, 6378388, 297, kOth, 0}, {kA72, kRf72, k0s, kA66, kRf66, k0s, 0}};
     for (auto& r : rows) EXPECT_EQ(S(datum_shift_create(r.aF, r.rfF, r.fF, r.aT, r.rfT, r.fT))->ShiftMethod, r.m) << r.aF << " " << r.rfF << " -> " << r.aT << " " << r.rfT;
