@@ -302,7 +302,8 @@ TEST_F(Cli, BadLinesAreReportedByNumberTheRestConverted) {
     for (const auto& [from, to, point, message] :
          {std::tuple{"gk zone=7", "geo", "7500000 20000000\n", "<stdin>:1: the point is outside the area of the source"},
           {"utm zone=37 south", "geo", "500000 0\n", "<stdin>:1: the point is outside the area of the source"},
-          {"geo", "gk zone=7", "55 20\n", "<stdin>:1: the destination system refuses the point"}}) {
+          {"geo", "gk zone=7", "55 20\n", "<stdin>:1: the destination system refuses the point"},
+          {"cartesian", "geo", "1e6 1e6 6e6 5\n", "<stdin>:1: the text after the coordinates starts like one more"}}) {
         const auto r = Tool({"convert", "--from", from, "--to", to}, point);
         EXPECT_TRUE(r.status == 1 && Has(r.err, message)) << r.err;
     }
@@ -335,6 +336,8 @@ TEST_F(Cli, AnInputThatCannotBeReadOrWouldBeEmptiedExitsWithTwo) {
     }
     EXPECT_EQ(2, Tool({"convert", "--from", "geo", "--to", "utm zone=37", in, "-o", in}).status);
     EXPECT_EQ("55.7558 37.6173\n", ReadFile(in));  // opening the output would have emptied it
+    const auto full = Tool({"convert", "--from", "geo", "--to", "utm zone=37", in, "-o", "/dev/full"});
+    EXPECT_TRUE(full.status == 2 && Has(full.err, "mapwright: cannot write to /dev/full: ")) << full.err;
 }
 
 // `choose` played in process: it prints `system show` of what the registry

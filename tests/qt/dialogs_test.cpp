@@ -266,8 +266,15 @@ TEST(QtHost, OwnsTheDialog) {
     CQtParentWnd parent(&host);
     CGeoReferenceData r;
     QWidget* owner = nullptr;
+    int answer = 0;
     Act act = [&](QWidget* window, CDialog& d) {
         owner = MwQtWidgetOf(&d) == window && window->isModal() ? window->parentWidget() : nullptr;
+        QTimer::singleShot(0, [] {  // the user takes Cancel when the box offers it
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(box);
+            QTest::mouseClick(box->button(box->button(QMessageBox::Cancel) ? QMessageBox::Cancel : QMessageBox::Ok), Qt::LeftButton);
+        });
+        answer = MessageBoxA(d.GetSafeHwnd(), "Sure?", "", MB_OKCANCEL);
         Key(Qt::Key_Escape);
     };
     MwQtSetShownHook(&OnScreen, &act);
@@ -275,6 +282,7 @@ TEST(QtHost, OwnsTheDialog) {
     EXPECT_EQ(IDCANCEL, ModalPrChooseDlg(&parent, &r, nullptr));
     MwQtSetShownHook(nullptr, nullptr);
     EXPECT_EQ(&host, owner);
+    EXPECT_EQ(IDCANCEL, answer);
 }
 
 }  // namespace
